@@ -1,0 +1,4 @@
+#pragma once
+
+/// Umbrella header of the base controls.
+#include <plinthor/undorecording.h>

@@ -1,0 +1,178 @@
+#pragma once
+
+#include <values/command.h>
+#include <values/korthane_export.h>
+#include <values/observable.h>
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+namespace values {
+
+class Tree;
+class ValueTransaction;
+
+/**
+ * \brief The base of every value in the tree.
+ *
+ * A value knows its path in the tree, its state (Enabled, Disabled, Removed) and the translation
+ * namespace of its item names. Every write names an originator, the observer on whose behalf it
+ * happens, and that observer is not notified of it.
+ *
+ * While a user edit is being recorded (see GuiUndoRecordingHelper) each write also records how to undo
+ * it; the undo list is read through UndoRecordingsToValueClient.
+ */
+class KORTHANE_EXPORT ValueBase : public virtual Observable
+{
+public:
+    class CommandOnValue;
+
+    ValueBase();
+    /// Notifies ValueDestroyed to the observers still attached and drops the value's undo recordings.
+    ~ValueBase() override;
+
+    /// Sets the value from its text form; false when the text does not fit the value.
+    virtual bool SetValueFromText(const QString& text, IObserver* originator) = 0;
+    /// The current value as text. For a selection: the name of the current item.
+    virtual QString GetValueString() const = 0;
+    /// Enabled, Disabled or Removed.
+    virtual int GetState() const;
+    /**
+     * \brief Calls Update(observable part, code) on each attached observer but \a originator.
+     *
+     * Inside an open ValueTransaction the call is held back and merged into the transaction's single
+     * notification. Returns false when an observer destroyed the value during the call.
+     */
+    virtual bool Notify(TChangeCode code, IObserver* originator);
+
+    /// The path of the value in the tree; empty while it is not in the tree.
+    QString GetPathName() const;
+    /// The translation namespace of the value's item names; never null ("" when none is set).
+    const char* GetTranslationNamespace() const;
+    /// Sets the translation namespace of the value's item names.
+    void SetTranslationNamespace(const char* nameSpace);
+    /// Sets Enabled, Disabled or Removed and notifies StateChanged when the state changes.
+    void SetState(int state, IObserver* originator = nullptr);
+
+    /**
+     * \brief Opens a scope in which observers see one notification with \a code, skipping
+     * \a originator, however many changes the value makes in it. The scope ends with the returned
+     * object.
+     */
+    ValueTransaction CreateTransaction(TChangeCode code, const IObserver* originator);
+
+protected:
+    /// True when writes are recorded for undo now.
+    bool Record();
+    /// Hands a command that redoes the write just made to the recorder, which takes ownership.
+    void RecordCommand(Command* command);
+    /**
+     * \brief Hands the recorder the pair of commands of one write: \a redo repeats it, \a undo restores
+     * what stood before, and \a textBefore is the value's text before the write. The recorder owns both.
+     */
+    void RecordCommand(Command* redo, Command* undo, const QString& textBefore);
+
+    /**
+     * \brief Undo bookkeeping of one write, kept on the stack of the writing function.
+     *
+     * Made before the write, it captures how to restore the value when recording is on; Done() after
+     * a write that changed something records the pair. A step not Done() records nothing.
+     */
+    class KORTHANE_EXPORT UndoStep
+    {
+    public:
+        explicit UndoStep(ValueBase* value);
+        ~UndoStep();
+        UndoStep(const UndoStep&) = delete;
+        UndoStep& operator=(const UndoStep&) = delete;
+        void Done();
+
+    private:
+        ValueBase* m_pValue;
+        std::unique_ptr<Command> m_pUndo;
+        QString m_strBefore;
+    };
+
+    /// A command that restores the present state of the value; null for a value that cannot be restored.
+    virtual Command* CreateRestoreCommand();
+
+private:
+    friend class Tree;
+    friend class ValueTransaction;
+
+    QString m_strPath;
+    QByteArray m_nameSpace;
+    int m_nState = Enabled;
+    int m_nTransactionDepth = 0;
+    ValueTransaction* m_pTransaction = nullptr; // outermost open transaction
+};
+
+/**
+ * \brief The scope of a transaction on a value (see ValueBase::CreateTransaction).
+ *
+ * Not copyable or movable: it lives where CreateTransaction's result is stored. Nested transactions
+ * on the same value merge into the outermost one.
+ */
+class KORTHANE_EXPORT ValueTransaction
+{
+public:
+    ValueTransaction(ValueBase* value, TChangeCode code, const IObserver* originator);
+    ~ValueTransaction();
+    ValueTransaction(const ValueTransaction&) = delete;
+    ValueTransaction& operator=(const ValueTransaction&) = delete;
+
+private:
+    friend class ValueBase;
+    ValueBase* m_pValue;
+    TChangeCode m_code;
+    const IObserver* m_pOriginator;
+    ValueTransaction* m_pOuter; // the outermost transaction of the value, null for that one itself
+};
+
+/**
+ * \brief A command on one value, with the originator its write names.
+ *
+ * Its text form begins with the head "<command id>;<path>;".
+ */
+class KORTHANE_EXPORT ValueBase::CommandOnValue : public Command
+{
+public:
+    CommandOnValue(int commandId, ValueBase* value, IObserver* originator);
+    ~CommandOnValue() override;
+    void AddCommandString(std::string& out, int format) override;
+
+    ValueBase* GetValue() const { return m_pValue; }
+    IObserver* GetOriginator() const { return m_pOriginator; }
+
+protected:
+    using Command::AddSemicolon;
+    ValueBase* m_pValue;
+    IObserver* m_pOriginator;
+};
+
+/**
+ * \brief A command that puts a value back into a captured state (an undo or redo step).
+ *
+ * \a V is the value class with RestoreState(const S&), \a S the captured state.
+ */
+template <class V, class S>
+class RestoreCommand : public ValueBase::CommandOnValue
+{
+public:
+    enum { Id = 1 };
+    RestoreCommand(V* value, const S& state)
+        : CommandOnValue(Id, value, nullptr)
+        , m_state(state)
+    {
+    }
+    bool Execute() override { return static_cast<V*>(m_pValue)->RestoreState(m_state); }
+    Command* Clone() const override { return new RestoreCommand(static_cast<V*>(m_pValue), m_state); }
+    const S& GetState() const { return m_state; }
+
+private:
+    S m_state;
+};
+
+} // namespace values

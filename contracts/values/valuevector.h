@@ -1,0 +1,101 @@
+#pragma once
+
+#include <values/format.h>
+#include <values/valuebase.h>
+
+#include <QString>
+
+#include <vector>
+
+namespace values {
+
+/// \brief A text with a check mark, the element of a checked-string vector.
+class KORTHANE_EXPORT CheckedString
+{
+public:
+    CheckedString(const QString& text = QString(), bool checked = false)
+        : m_strText(text)
+        , m_bChecked(checked)
+    {
+    }
+    CheckedString(const CheckedString&) = default;
+    CheckedString& operator=(const CheckedString&) = default;
+    virtual ~CheckedString();
+
+    QString GetString() const { return m_strText; }
+    bool GetChecked() const { return m_bChecked; }
+    void SetString(const QString& text) { m_strText = text; }
+    void SetChecked(bool checked) { m_bChecked = checked; }
+
+    bool operator==(const CheckedString& other) const
+    {
+        return m_bChecked == other.m_bChecked && m_strText == other.m_strText;
+    }
+    bool operator!=(const CheckedString& other) const { return !(*this == other); }
+
+private:
+    QString m_strText;
+    bool m_bChecked;
+};
+
+template <>
+struct DefaultFormat<CheckedString> { using type = FormatCheckedString; };
+
+template <class T, class F = typename DefaultFormat<T>::type, class S = StreamFormat<T, F>>
+class ValueVector;
+
+/**
+ * \brief A vector of checked strings.
+ *
+ * GetValue() gives a copy; SetValue() replaces the whole vector. Its text form is the elements' stream
+ * forms ("1:alpha", with ';' and '\\' escaped by a backslash), each followed by ';'.
+ */
+template <>
+class KORTHANE_EXPORT ValueVector<CheckedString, FormatCheckedString, StreamFormat<CheckedString, FormatCheckedString>>
+    : public ValueBase
+{
+public:
+    using Vector = std::vector<CheckedString>;
+
+    /// \brief Sets a checked-string vector to a stored copy (command id 20).
+    class KORTHANE_EXPORT CommandSetValue : public ValueBase::CommandOnValue
+    {
+    public:
+        enum { Id = 20 };
+        CommandSetValue(ValueVector* value, const Vector& vector, IObserver* originator);
+        ~CommandSetValue() override;
+        /// Runs the set operation with the stored vector and originator.
+        bool Execute() override;
+        /// Head, element count, then each element's stream form, each followed by ';'.
+        void AddCommandString(std::string& out, int format) override;
+        Command* Clone() const override;
+        const Vector& GetVector() const { return m_vector; }
+
+    private:
+        Vector m_vector;
+    };
+
+    explicit ValueVector(Vector initial = {});
+    ~ValueVector() override;
+
+    /// A copy of the stored vector.
+    Vector GetValue() const { return m_vector; }
+    /**
+     * \brief Replaces the stored vector with a copy of \a vector, records a CommandSetValue when
+     * recording is on, and notifies ValueChanged skipping \a originator. Returns what Notify returns.
+     */
+    bool SetValue(const Vector& vector, IObserver* originator);
+
+    bool SetValueFromText(const QString& text, IObserver* originator) override;
+    QString GetValueString() const override;
+
+protected:
+    Command* CreateRestoreCommand() override;
+
+private:
+    Vector m_vector;
+};
+
+using CheckedStringVector = ValueVector<CheckedString>;
+
+} // namespace values

@@ -1,0 +1,220 @@
+#pragma once
+
+/**
+ * \file
+ * \brief The binding idiom shared by every Vandrel control, for controls of an application's own too.
+ *
+ * A bound control holds one raw pointer per value, null while unbound. It binds with FindAndAttach(),
+ * takes its first picture with SyncObserver(), reacts to StateChanged with ApplyValueState(), and
+ * recognises the caller of Update() by comparing the source with ObservableOf() of each of its values.
+ */
+
+#include <vandrel/vandrel_export.h>
+
+#include <brevanbase/brevanbase.h>
+#include <values/values.h>
+
+#include <QString>
+#include <QWidget>
+
+#include <exception>
+#include <type_traits>
+
+/// The Observable part of \a value, or null for a null value. The same pointer for every view of a value.
+template <class T>
+inline Observable* ObservableOf(T* value)
+{
+    return value ? static_cast<Observable*>(value) : nullptr;
+}
+
+/// The ValueBase of \a value, through GetValueBase() for the numeric and multi-selection views.
+template <class T>
+inline values::ValueBase* ValueBaseOf(T* value)
+{
+    if (!value)
+        return nullptr;
+    if constexpr (std::is_base_of<values::ValueBase, T>::value)
+        return value;
+    else if constexpr (std::is_base_of<values::IValueNumeric, T>::value || std::is_base_of<values::IMultiSelectionSet, T>::value)
+        return value->GetValueBase();
+    else
+        return dynamic_cast<values::ValueBase*>(static_cast<Observable*>(value));
+}
+
+/**
+ * \brief Detaches \a observer from \a oldValue, finds the value at \a path, casts it to \a T and
+ * attaches \a observer to it.
+ *
+ * Returns null for an absent tree, an unknown path or a value of another kind; nothing is reported.
+ * The caller stores the result in all cases, so that a failed lookup leaves it unbound and detached.
+ */
+template <class T>
+T* FindAndAttach(const QString& path, T* oldValue, IObserver* observer)
+{
+    if (oldValue && observer)
+        ObservableOf(oldValue)->Detach(observer);
+    values::Tree* tree = values::Tree::Instance();
+    if (!tree)
+        return nullptr;
+    values::ValueBase* found = tree->Find(path);
+    if (!found)
+        return nullptr;
+    T* value = nullptr;
+    if constexpr (std::is_same<T, values::ValueBase>::value)
+        value = found;
+    else
+        value = dynamic_cast<T*>(found);
+    if (!value)
+        return nullptr;
+    if (observer)
+        ObservableOf(value)->Attach(observer);
+    return value;
+}
+
+/**
+ * \brief Gives \a observer its first picture of \a value by calling its Update() directly with
+ * StateChanged, RangeChanged, ItemsChanged (selections only) and ValueChanged, in this order.
+ */
+template <class T>
+void SyncObserver(T* value, IObserver* observer)
+{
+    if (!value || !observer)
+        return;
+    Observable* observable = ObservableOf(value);
+    if (auto* numeric = dynamic_cast<values::IValueNumeric*>(observable)) {
+        values::ValueBase* base = numeric->GetValueBase();
+        if (!base)
+            return;
+        observable = base;
+    }
+    if (!observable)
+        return;
+    observer->Update(observable, StateChanged);
+    observer->Update(observable, RangeChanged);
+    if (dynamic_cast<values::ValueSelection*>(observable))
+        observer->Update(observable, ItemsChanged);
+    observer->Update(observable, ValueChanged);
+}
+
+/**
+ * \brief The reaction to StateChanged of \a value: Enabled enables \a control, Disabled disables it,
+ * Removed detaches \a observer and clears \a value (the control keeps its enabled state).
+ *
+ * The state is read through GetValueBase() for IValueNumeric and IValueMultiSelection, from the value
+ * itself otherwise. The enabling is QWidget's own, non-virtual setEnabled().
+ */
+template <class T>
+void ApplyValueState(T*& value, QWidget* control, IObserver* observer)
+{
+    values::ValueBase* base = ValueBaseOf(value);
+    if (!base)
+        return;
+    switch (base->GetState()) {
+    case Enabled:
+        if (control)
+            control->QWidget::setEnabled(true);
+        break;
+    case Disabled:
+        if (control)
+            control->QWidget::setEnabled(false);
+        break;
+    case Removed:
+        ObservableOf(value)->Detach(observer);
+        value = nullptr;
+        break;
+    default:
+        break;
+    }
+}
+
+/// ApplyValueState() for a control that is its own observer.
+template <class T>
+void ApplyValueState(T*& value, QWidget* control)
+{
+    ApplyValueState(value, control, dynamic_cast<IObserver*>(control));
+}
+
+/// ApplyValueState() that enables through the control's own virtual setEnabled().
+template <class T, class Control>
+void ApplyValueStateVirtual(T*& value, Control* control)
+{
+    values::ValueBase* base = ValueBaseOf(value);
+    if (!base || !control)
+        return;
+    switch (base->GetState()) {
+    case Enabled:
+        control->setEnabled(true);
+        break;
+    case Disabled:
+        control->setEnabled(false);
+        break;
+    case Removed:
+        ObservableOf(value)->Detach(static_cast<IObserver*>(control));
+        value = nullptr;
+        break;
+    default:
+        break;
+    }
+}
+
+/// ApplyValueState() that only lets go of a Removed value; Enabled and Disabled change nothing.
+template <class T>
+void ApplyValueRemoval(T*& value, IObserver* observer)
+{
+    values::ValueBase* base = ValueBaseOf(value);
+    if (base && base->GetState() == Removed) {
+        ObservableOf(value)->Detach(observer);
+        value = nullptr;
+    }
+}
+
+/// Detaches \a observer from \a value, when bound, and clears the pointer.
+template <class T>
+void DetachValue(T*& value, IObserver* observer)
+{
+    if (value)
+        ObservableOf(value)->Detach(observer);
+    value = nullptr;
+}
+
+/**
+ * \brief Reads the entries of \a log from \a nextSequence on.
+ *
+ * Returns 0 when nothing is new, 1 when every new entry is of \a kind (\a nextSequence then stands
+ * after them), and -1 when entries were lost or one of another kind came (\a nextSequence then stands
+ * at the log's next sequence): the reader must rebuild.
+ */
+VANDREL_EXPORT signed char ScanChangeLog(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence,
+                                         unsigned char kind);
+
+/**
+ * \brief Runs a binding \a body that may meet exceptions of the value framework.
+ *
+ * A BrevanException or std::exception is traced (when the mask asks for failures), logged and
+ * reported through ErrorHandler::Interface(), and the binding gives false. Other exceptions pass.
+ */
+template <class Body>
+bool GuardedBinding(const char* unit, Body&& body)
+{
+    try {
+        return body();
+    } catch (const BrevanException& e) {
+        const unsigned short line = __LINE__;
+        if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
+            _Q_Trace(QStringLiteral("BrevanException caught in standard catch-block"), QString::fromUtf8(unit), line);
+        ErrorHandler::Interface()->LogException(e);
+        ErrorHandler::Interface()->ReportException(e, nullptr, -1, true, false);
+    } catch (const std::exception& e) {
+        const unsigned short line = __LINE__;
+        if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
+            _Q_Trace(QStringLiteral("Standard C++ Exception caught in standard catch-block"), QString::fromUtf8(unit), line);
+        const BrevanException wrapped(QString::fromUtf8(e.what()), QString::fromUtf8(unit), QStringLiteral("class"),
+                                      QStringLiteral("method"), line, 4294967295u);
+        ErrorHandler::Interface()->LogException(wrapped);
+        ErrorHandler::Interface()->ReportException(wrapped, nullptr, -1, true, false);
+    }
+    return false;
+}
+
+/// Translates an item name of \a value in the value's own translation namespace.
+VANDREL_EXPORT QString TranslateItemName(const values::ValueBase* value, const QString& name);

@@ -1,0 +1,82 @@
+#include <vandrel/vcslider.h>
+
+#include <vandrel/binding/binding.h>
+#include "sliderconversion_p.h"
+
+VCSlider::VCSlider(QWidget* parent, const char* name)
+    : QSlider(parent)
+    , m_pNumericValue(nullptr)
+{
+    if (name)
+        setObjectName(QString::fromUtf8(name));
+    setEnabled(false);
+    setMinimum(0);
+    setMaximum(1);
+    connect(this, SIGNAL(valueChanged(int)), this, SLOT(InternalValueChanged(int)));
+}
+
+VCSlider::~VCSlider()
+{
+    DetachValue(m_pNumericValue, this);
+}
+
+bool VCSlider::SetNumeric_ValuePath(const QString& path)
+{
+    DetachValue(m_pNumericValue, this);
+    m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
+    if (!m_pNumericValue)
+        return false;
+    setMinimum(vandrel::RoundToInt(m_pNumericValue->GetMinimum()));
+    setMaximum(vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
+    setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
+    SyncObserver(m_pNumericValue, this);
+    return true;
+}
+
+bool VCSlider::SetNumericValue(values::IValueNumeric* value)
+{
+    DetachValue(m_pNumericValue, this);
+    if (!value)
+        return false;
+    m_pNumericValue = value;
+    ObservableOf(m_pNumericValue)->Attach(this);
+    setMinimum(vandrel::RoundToInt(m_pNumericValue->GetMinimum()));
+    setMaximum(vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
+    setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
+    SyncObserver(m_pNumericValue, this);
+    return true;
+}
+
+void VCSlider::setMinValue(int)
+{
+}
+
+void VCSlider::setMaxValue(int)
+{
+}
+
+void VCSlider::Update(Observable* source, TChangeCode code)
+{
+    if (!m_pNumericValue || source != ObservableOf(m_pNumericValue))
+        return;
+    switch (code) {
+    case StateChanged:
+        ApplyValueState(m_pNumericValue, this);
+        break;
+    case ValueChanged:
+        setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
+        break;
+    case RangeChanged:
+        setMinimum(vandrel::RoundToInt(m_pNumericValue->GetMinimum()));
+        setMaximum(vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
+        break;
+    default:
+        break;
+    }
+}
+
+void VCSlider::InternalValueChanged(int nValue)
+{
+    if (m_pNumericValue)
+        m_pNumericValue->SetValue(double(nValue), this);
+}

@@ -1,0 +1,251 @@
+#include <values/tree.h>
+#include <values/undo.h>
+#include <values/valuebase.h>
+
+#include <algorithm>
+
+namespace values {
+
+IUndoRecordingsListener::~IUndoRecordingsListener() = default;
+
+UndoRecordingsListenerNotifier::UndoRecordingsListenerNotifier() = default;
+UndoRecordingsListenerNotifier::~UndoRecordingsListenerNotifier() = default;
+
+void UndoRecordingsListenerNotifier::AddUndoRecordingsListener(IUndoRecordingsListener* listener)
+{
+    if (listener && std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end())
+        m_listeners.push_back(listener);
+}
+
+void UndoRecordingsListenerNotifier::RemoveUndoRecordingsListener(IUndoRecordingsListener* listener)
+{
+    m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), listener), m_listeners.end());
+}
+
+void UndoRecordingsListenerNotifier::NotifyListeners()
+{
+    const std::vector<IUndoRecordingsListener*> listeners = m_listeners;
+    for (IUndoRecordingsListener* listener : listeners) {
+        if (std::find(m_listeners.begin(), m_listeners.end(), listener) != m_listeners.end())
+            listener->NotifyUndoRecordingsChanged();
+    }
+}
+
+UndoRecorder::UndoRecorder() = default;
+
+UndoRecorder& UndoRecorder::Instance()
+{
+    // Never destroyed: values report to it from their destructors, whenever those run.
+    static UndoRecorder* const recorder = new UndoRecorder;
+    return *recorder;
+}
+
+void UndoRecorder::BeginSpan(bool enabled, const QString& description)
+{
+    if (m_spans.empty())
+        m_open.description = description;
+    m_spans.push_back(enabled);
+}
+
+void UndoRecorder::EndSpan()
+{
+    if (m_spans.empty())
+        return;
+    m_spans.pop_back();
+    if (!m_spans.empty() || m_open.steps.empty()) {
+        if (m_spans.empty())
+            m_open = Recording();
+        return;
+    }
+    Recording recording = std::move(m_open);
+    m_open = Recording();
+    if (recording.description.isEmpty())
+        recording.description = describe(recording);
+    m_recordings.push_back(std::move(recording));
+    while (int(m_recordings.size()) > m_nLimit)
+        m_recordings.pop_front();
+    changed();
+}
+
+bool UndoRecorder::IsRecording() const
+{
+    if (m_spans.empty() || m_bUndoing)
+        return false;
+    return std::all_of(m_spans.begin(), m_spans.end(), [](bool enabled) { return enabled; });
+}
+
+void UndoRecorder::Record(ValueBase* value, Command* redo, Command* undo, const QString& textBefore)
+{
+    std::unique_ptr<Command> redoOwner(redo);
+    std::unique_ptr<Command> undoOwner(undo);
+    if (!value || !IsRecording())
+        return;
+    const QString after = value->GetValueString();
+    // Several writes to one value in a span undo to what stood before the first of them.
+    auto it = std::find_if(m_open.steps.begin(), m_open.steps.end(), [value](const Step& s) { return s.value == value; });
+    if (it != m_open.steps.end()) {
+        it->redo = std::move(redoOwner);
+        it->textAfter = after;
+        if (!it->undo)
+            it->undo = std::move(undoOwner);
+        return;
+    }
+    m_open.steps.push_back(Step{value, std::move(redoOwner), std::move(undoOwner), textBefore, after});
+    m_open.paths << value->GetPathName();
+}
+
+QString UndoRecorder::describe(const Recording& recording)
+{
+    const Step& first = recording.steps.front();
+    QString path = first.value ? first.value->GetPathName() : QString();
+    if (path.isEmpty())
+        path = QStringLiteral("(value)");
+    QString text = QStringLiteral("%1: %2 \u2192 %3").arg(path, first.textBefore, first.textAfter);
+    if (recording.steps.size() > 1)
+        text += QStringLiteral(" (+%1)").arg(recording.steps.size() - 1);
+    return text;
+}
+
+bool UndoRecorder::touches(const Recording& recording, const QString& basePath) const
+{
+    return std::any_of(recording.paths.begin(), recording.paths.end(),
+                       [&basePath](const QString& path) { return Tree::IsOnOrUnder(path, basePath); });
+}
+
+std::list<QString> UndoRecorder::Descriptions(const QString& basePath) const
+{
+    std::list<QString> list;
+    for (auto it = m_recordings.rbegin(); it != m_recordings.rend(); ++it) {
+        if (touches(*it, basePath))
+            list.push_back(it->description);
+    }
+    return list;
+}
+
+bool UndoRecorder::Undo(const QString& basePath, unsigned int count)
+{
+    if (count == 0 || m_bUndoing)
+        return false;
+    // Take the recordings out first: undoing writes values, and observers may react in any way.
+    std::vector<size_t> picked; // positions, newest first
+    for (size_t i = m_recordings.size(); i-- > 0 && picked.size() < count;) {
+        if (touches(m_recordings[i], basePath))
+            picked.push_back(i);
+    }
+    if (picked.size() < count)
+        return false;
+    std::vector<Recording> batch;
+    batch.reserve(picked.size());
+    for (size_t i : picked)
+        batch.push_back(std::move(m_recordings[i]));
+    for (size_t i : picked) // descending, so earlier positions stay valid
+        m_recordings.erase(m_recordings.begin() + std::ptrdiff_t(i));
+    bool ok = true;
+    m_bUndoing = true;
+    m_pExecuting = &batch;
+    for (Recording& recording : batch) {
+        for (auto step = recording.steps.rbegin(); step != recording.steps.rend(); ++step) {
+            if (step->value && step->undo)
+                ok = step->undo->Execute() && ok;
+            else
+                ok = false;
+        }
+    }
+    m_pExecuting = nullptr;
+    m_bUndoing = false;
+    changed();
+    return ok;
+}
+
+void UndoRecorder::Clear()
+{
+    m_recordings.clear();
+    changed();
+}
+
+void UndoRecorder::SetHistoryLimit(int limit)
+{
+    m_nLimit = qMax(1, limit);
+    if (int(m_recordings.size()) <= m_nLimit)
+        return;
+    while (int(m_recordings.size()) > m_nLimit)
+        m_recordings.pop_front();
+    changed();
+}
+
+void UndoRecorder::ForgetValue(const ValueBase* value)
+{
+    const auto touchesValue = [value](const Recording& recording) {
+        return std::any_of(recording.steps.begin(), recording.steps.end(), [value](const Step& s) { return s.value == value; });
+    };
+    if (m_pExecuting) {
+        for (Recording& recording : *m_pExecuting) {
+            for (Step& step : recording.steps) {
+                if (step.value == value)
+                    step.value = nullptr;
+            }
+        }
+    }
+    m_open.steps.erase(std::remove_if(m_open.steps.begin(), m_open.steps.end(), [value](const Step& s) { return s.value == value; }),
+                       m_open.steps.end());
+    const auto before = m_recordings.size();
+    m_recordings.erase(std::remove_if(m_recordings.begin(), m_recordings.end(), touchesValue), m_recordings.end());
+    if (m_recordings.size() != before)
+        changed();
+}
+
+void UndoRecorder::AddClient(UndoRecordingsListenerNotifier* client, void (*changedFn)(UndoRecordingsListenerNotifier*))
+{
+    RemoveClient(client);
+    m_clients.push_back(ClientEntry{client, changedFn});
+}
+
+void UndoRecorder::RemoveClient(UndoRecordingsListenerNotifier* client)
+{
+    m_clients.erase(std::remove_if(m_clients.begin(), m_clients.end(), [client](const ClientEntry& e) { return e.client == client; }),
+                    m_clients.end());
+}
+
+void UndoRecorder::changed()
+{
+    const std::vector<ClientEntry> clients = m_clients;
+    for (const ClientEntry& entry : clients) {
+        const bool stillThere = std::any_of(m_clients.begin(), m_clients.end(),
+                                            [&entry](const ClientEntry& e) { return e.client == entry.client; });
+        if (stillThere)
+            entry.changed(entry.client);
+    }
+}
+
+UndoRecordingsToValueClient::UndoRecordingsToValueClient(const QString& basePath)
+    : m_strBasePath(basePath)
+{
+    UndoRecorder::Instance().AddClient(this, &UndoRecordingsToValueClient::recordingsChanged);
+}
+
+UndoRecordingsToValueClient::~UndoRecordingsToValueClient()
+{
+    UndoRecorder::Instance().RemoveClient(this);
+}
+
+bool UndoRecordingsToValueClient::ExecuteUndo(unsigned int recording)
+{
+    return UndoRecorder::Instance().Undo(m_strBasePath, recording);
+}
+
+std::list<QString> UndoRecordingsToValueClient::GetUndoRecordingDescriptions()
+{
+    return UndoRecorder::Instance().Descriptions(m_strBasePath);
+}
+
+void UndoRecordingsToValueClient::Update(Observable*, TChangeCode)
+{
+    // The recorder tells this client of its changes directly; values have nothing to add.
+}
+
+void UndoRecordingsToValueClient::recordingsChanged(UndoRecordingsListenerNotifier* self)
+{
+    static_cast<UndoRecordingsToValueClient*>(self)->NotifyListeners();
+}
+
+} // namespace values
