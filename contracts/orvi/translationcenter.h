@@ -25,13 +25,17 @@ class QTranslator;
  *     \c /usr/share/vandrel/translations;
  *  4. the Qt resource directory \c :/i18n.
  *
- * Within a directory the locale's UI languages are tried from the full name down to the language
- * (\c vandrel_de_DE.qm, then \c vandrel_de.qm); the first catalog found is the namespace's one. A file
- * that is found but cannot be loaded is traced as a failure and the search goes on.
+ * Within a directory each of QLocale::uiLanguages() is tried from its full tag down to the bare
+ * language (for de_AT: \c vandrel_de_AT.qm, then \c vandrel_de.qm); the first catalog found is the
+ * namespace's one. A file that is found but cannot be loaded is traced as a failure and the search
+ * goes on.
  *
  * The catalog is loaded lazily, on the first translate() after a QCoreApplication exists, for
  * QLocale() at that moment (or the locale given to SetLocale()); SetLocale() reloads every namespace.
- * Registering needs no application, so a library may register from its load-time initialisation.
+ * Registering needs no application, so a library may register from its load-time initialisation;
+ * namespaces registered before the QCoreApplication get their catalogs when it is created. A library
+ * whose classes translate their own words with tr() (context: the class name) asks with
+ * InstallCatalog() that its catalog also serve the application's lookups.
  * A text is looked up with the namespace as translation context, first in the catalog the centre
  * loaded for that namespace, then among the translators that the application installed itself. When
  * nothing is found the text comes back unchanged. All members may be called from any thread.
@@ -46,6 +50,12 @@ public:
     void Register(const QString& name);
     /// Takes back one registration of a namespace; its catalog is unloaded with the last one.
     void Unregister(const QString& name);
+    /**
+     * \brief Installs the catalog of the registered namespace \a name into the application as well,
+     * now and after every reload, so that tr() of the namespace's classes finds its words. Installing
+     * happens on the application's thread; an unknown name is ignored.
+     */
+    void InstallCatalog(const QString& name);
     /// True while the namespace is registered.
     bool IsRegistered(const QString& name) const;
     /// The registered namespaces, sorted.
@@ -94,7 +104,9 @@ private:
     Entry* ensureLoaded(const QByteArray& name) const;
     void load(const QByteArray& name, Entry& entry) const;
 
-    mutable QMutex m_mutex;
+    // Recursive: installing a catalog into the application sends LanguageChange, and widgets that
+    // retranslate then call back into the centre on the same thread.
+    mutable QRecursiveMutex m_mutex;
     QStringList m_searchPaths; // newest first
     QString m_strLocale;       // empty: QLocale() when a catalog loads
     // Keyed by the namespace's UTF-8 bytes so translate() can look up its const char* without copying.

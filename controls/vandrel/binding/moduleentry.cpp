@@ -8,8 +8,11 @@ extern "C" bool VandrelModuleEntry(void* module, unsigned long reason, void* res
 {
     Q_UNUSED(module)
     Q_UNUSED(reserved)
-    if (reason == VandrelProcessAttach)
+    if (reason == VandrelProcessAttach) {
         TranslationCenter::Instance().Register(QStringLiteral("Vandrel"));
+        // The controls translate their own words with tr(): the catalog serves the application too.
+        TranslationCenter::Instance().InstallCatalog(QStringLiteral("Vandrel"));
+    }
     else if (reason == VandrelProcessDetach)
         TranslationCenter::Instance().Unregister(QStringLiteral("Vandrel"));
     return true;

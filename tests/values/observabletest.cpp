@@ -1,0 +1,290 @@
+#include <values/values.h>
+
+#include <QtTest>
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+// Counts heap allocations so that the test can prove a notification allocates nothing.
+static std::atomic<long> g_allocations{0};
+void* operator new(std::size_t size)
+{
+    ++g_allocations;
+    if (void* p = std::malloc(size ? size : 1))
+        return p;
+    throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+
+namespace {
+
+struct Call
+{
+    QString who;
+    TChangeCode code;
+};
+
+class Recorder : public IObserver
+{
+public:
+    Recorder(const QString& name, QVector<Call>* log)
+        : m_name(name)
+        , m_log(log)
+    {
+    }
+    void Update(Observable* source, TChangeCode code) override
+    {
+        lastSource = source;
+        m_log->append(Call{m_name, code});
+        if (onUpdate)
+            onUpdate(source, code);
+    }
+    Observable* lastSource = nullptr;
+    std::function<void(Observable*, TChangeCode)> onUpdate;
+
+private:
+    QString m_name;
+    QVector<Call>* m_log;
+};
+
+QStringList names(const QVector<Call>& log)
+{
+    QStringList out;
+    for (const Call& c : log)
+        out << c.who;
+    return out;
+}
+
+} // namespace
+
+class ObservableTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        values::Tree::Instance()->Clear();
+    }
+
+    void notifiesInAttachOrderSkippingOriginator()
+    {
+        QVector<Call> log;
+        Recorder a(QStringLiteral("a"), &log), b(QStringLiteral("b"), &log), c(QStringLiteral("c"), &log);
+        values::IntValue value(1);
+        value.Attach(&a);
+        value.Attach(&b);
+        value.Attach(&c);
+        value.Attach(&b); // a second attach changes nothing
+        QCOMPARE(value.ObserverCount(), 3);
+
+        value.SetValue(2, &b);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
+        QCOMPARE(log.at(0).code, ValueChanged);
+        QCOMPARE(a.lastSource, static_cast<Observable*>(&value));
+
+        log.clear();
+        value.Detach(&a);
+        value.Detach(&a); // unknown observer: ignored
+        value.SetValue(3, nullptr);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("b"), QStringLiteral("c")}));
+    }
+
+    void sameObservablePointerThroughEveryView()
+    {
+        auto* numeric = new values::DoubleNumeric(1.0, 0.0, 10.0);
+        QVERIFY(values::Tree::Instance()->Add(QStringLiteral("/n"), numeric));
+        values::ValueBase* base = values::Tree::Instance()->Find(QStringLiteral("/n"));
+        auto* view = dynamic_cast<values::IValueNumeric*>(base);
+        QVERIFY(view);
+        QCOMPARE(static_cast<Observable*>(view), static_cast<Observable*>(base));
+        QCOMPARE(view->GetValueBase(), base);
+
+        auto* multi = new values::StringMultiSelection(0);
+        QVERIFY(values::Tree::Instance()->Add(QStringLiteral("/m"), multi));
+        values::ValueBase* mbase = values::Tree::Instance()->Find(QStringLiteral("/m"));
+        auto* mview = dynamic_cast<values::IValueMultiSelection*>(mbase);
+        auto* mset = dynamic_cast<values::IMultiSelectionSet*>(mbase);
+        QVERIFY(mview && mset);
+        QCOMPARE(static_cast<Observable*>(mview), static_cast<Observable*>(mbase));
+        QCOMPARE(static_cast<Observable*>(mset), static_cast<Observable*>(mbase));
+        QCOMPARE(mset->GetValueBase(), mbase);
+        // A cast to the wrong kind is a normal null result.
+        QVERIFY(!dynamic_cast<values::ValueSelection*>(mbase));
+        QVERIFY(!dynamic_cast<values::IValueNumeric*>(mbase));
+    }
+
+    void observersChangingTheListDuringNotify()
+    {
+        QVector<Call> log;
+        Recorder a(QStringLiteral("a"), &log), b(QStringLiteral("b"), &log), c(QStringLiteral("c"), &log),
+            late(QStringLiteral("late"), &log);
+        values::IntValue value(0);
+        value.Attach(&a);
+        value.Attach(&b);
+        value.Attach(&c);
+        // a detaches itself and b, and attaches a newcomer: b is skipped, the newcomer waits for the next one.
+        a.onUpdate = [&](Observable*, TChangeCode) {
+            value.Detach(&a);
+            value.Detach(&b);
+            value.Attach(&late);
+        };
+        value.SetValue(1, nullptr);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("a"), QStringLiteral("c")}));
+        QCOMPARE(value.ObserverCount(), 2);
+
+        log.clear();
+        value.SetValue(2, nullptr);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("c"), QStringLiteral("late")}));
+    }
+
+    void observerWritingDuringNotify()
+    {
+        // A writer inside Update causes a nested notification; the outer one still reaches everyone.
+        QVector<Call> log;
+        Recorder a(QStringLiteral("a"), &log), b(QStringLiteral("b"), &log);
+        values::DoubleNumeric value(0, 0, 100);
+        value.Attach(&a);
+        value.Attach(&b);
+        a.onUpdate = [&](Observable*, TChangeCode code) {
+            if (code == ValueChanged && value.GetValue() < 5)
+                value.SetPendingValue(value.GetValue() + 10, &a);
+        };
+        value.SetValue(1, nullptr);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("b")}));
+        QCOMPARE(log.at(1).code, PendingValueChanged);
+        QCOMPARE(log.at(2).code, ValueChanged);
+        QCOMPARE(value.GetPendingValue(), 11.0);
+    }
+
+    void observerDestroyedDuringNotify()
+    {
+        QVector<Call> log;
+        auto* doomed = new Recorder(QStringLiteral("doomed"), &log);
+        Recorder killer(QStringLiteral("killer"), &log), after(QStringLiteral("after"), &log);
+        values::IntValue value(0);
+        value.Attach(&killer);
+        value.Attach(doomed);
+        value.Attach(&after);
+        killer.onUpdate = [&](Observable*, TChangeCode) {
+            if (doomed) {
+                value.Detach(doomed); // what a control's destructor does
+                delete doomed;
+                doomed = nullptr;
+            }
+        };
+        value.SetValue(1, nullptr);
+        QCOMPARE(names(log), (QStringList{QStringLiteral("killer"), QStringLiteral("after")}));
+    }
+
+    void valueRemovedDuringItsOwnNotify()
+    {
+        QVector<Call> log;
+        Recorder a(QStringLiteral("a"), &log), b(QStringLiteral("b"), &log);
+        auto* value = new values::IntValue(0);
+        QVERIFY(values::Tree::Instance()->Add(QStringLiteral("/gone"), value));
+        value->Attach(&a);
+        value->Attach(&b);
+        a.onUpdate = [&](Observable*, TChangeCode code) {
+            if (code == ValueChanged)
+                values::Tree::Instance()->Remove(QStringLiteral("/gone"));
+        };
+        QVERIFY(!value->SetValue(5, nullptr)); // false: the value went during the call
+        // a: ValueChanged, then the removal: StateChanged and ValueDestroyed to both a and b.
+        QCOMPARE(names(log), (QStringList{QStringLiteral("a"), QStringLiteral("a"), QStringLiteral("b"),
+                                          QStringLiteral("a"), QStringLiteral("b")}));
+        QCOMPARE(log.at(1).code, StateChanged);
+        QCOMPARE(log.at(3).code, ValueDestroyed);
+        QVERIFY(!values::Tree::Instance()->Find(QStringLiteral("/gone")));
+    }
+
+    void removalAnnouncesThenDestroys()
+    {
+        QVector<Call> log;
+        Recorder leaver(QStringLiteral("leaver"), &log), stayer(QStringLiteral("stayer"), &log);
+        auto* value = new values::BoolValue(true);
+        QVERIFY(values::Tree::Instance()->Add(QStringLiteral("/b"), value));
+        value->Attach(&leaver);
+        value->Attach(&stayer);
+        int stateSeen = -1;
+        leaver.onUpdate = [&](Observable* source, TChangeCode code) {
+            if (code == StateChanged) {
+                stateSeen = value->GetState();
+                source->Detach(&leaver); // lets go during the notification
+            }
+        };
+        QVERIFY(values::Tree::Instance()->Remove(QStringLiteral("/b")));
+        QCOMPARE(stateSeen, int(Removed));
+        QCOMPARE(names(log), (QStringList{QStringLiteral("leaver"), QStringLiteral("stayer"), QStringLiteral("stayer")}));
+        QCOMPARE(log.at(2).code, ValueDestroyed);
+        QVERIFY(!values::Tree::Instance()->Remove(QStringLiteral("/b")));
+    }
+
+    void notifyAllocatesNothing()
+    {
+        QVector<Call> log;
+        log.reserve(4096);
+        std::vector<std::unique_ptr<Recorder>> observers;
+        values::DoubleNumeric value(0, -1e9, 1e9);
+        for (int i = 0; i < 1000; ++i) {
+            observers.push_back(std::make_unique<Recorder>(QString(), &log));
+            value.Attach(observers.back().get());
+        }
+        class Quiet : public IObserver
+        {
+        public:
+            void Update(Observable*, TChangeCode) override { ++calls; }
+            int calls = 0;
+        };
+        std::vector<Quiet> quiet(1000);
+        values::DoubleNumeric other(0, -1e9, 1e9);
+        for (Quiet& q : quiet)
+            other.Attach(&q);
+        const long before = g_allocations.load();
+        for (int i = 1; i <= 50; ++i)
+            other.SetValue(i, nullptr);
+        QCOMPARE(g_allocations.load() - before, 0L);
+        QCOMPARE(quiet.front().calls, 50);
+        QCOMPARE(quiet.back().calls, 50);
+    }
+
+    void transactionMergesNotifications()
+    {
+        QVector<Call> log;
+        Recorder a(QStringLiteral("a"), &log), origin(QStringLiteral("origin"), &log);
+        values::ValueSelection selection;
+        selection.Attach(&a);
+        selection.Attach(&origin);
+        {
+            values::ValueTransaction t = selection.CreateTransaction(ItemsChanged, &origin);
+            selection.ClearItems(nullptr);
+            selection.AddItem(QStringLiteral("one"), 1, 1, nullptr);
+            {
+                values::ValueTransaction inner = selection.CreateTransaction(ValueChanged, nullptr);
+                selection.AddItem(QStringLiteral("two"), 2, 2, nullptr);
+            }
+            QVERIFY(log.isEmpty());
+        }
+        QCOMPARE(names(log), QStringList{QStringLiteral("a")});
+        QCOMPARE(log.at(0).code, ItemsChanged);
+        QCOMPARE(selection.GetItemCount(), 2);
+        log.clear();
+        selection.SelectKey(2, nullptr); // back to one notification per write
+        QCOMPARE(log.size(), 2);
+    }
+
+    void transactionOutlivedByNothing()
+    {
+        // The value goes while a transaction on it is open: closing it must not touch the value.
+        auto* value = new values::IntValue(0);
+        QVERIFY(values::Tree::Instance()->Add(QStringLiteral("/t"), value));
+        values::ValueTransaction t = value->CreateTransaction(ValueChanged, nullptr);
+        values::Tree::Instance()->Remove(QStringLiteral("/t"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ObservableTest)
+#include "observabletest.moc"

@@ -1,0 +1,310 @@
+#include <vandrel/vcscrollbar.h>
+#include <vandrel/vcslider.h>
+
+#include <QtTest>
+
+namespace {
+
+values::Tree& tree()
+{
+    return *values::Tree::Instance();
+}
+
+values::DoubleNumeric* addNumber(const QString& path, double value, double minimum, double maximum)
+{
+    auto* number = new values::DoubleNumeric(value, minimum, maximum);
+    tree().Add(path, number);
+    return number;
+}
+
+// Counts the writes that reach a value and who made them.
+class WriteWatcher : public IObserver
+{
+public:
+    explicit WriteWatcher(values::ValueBase* value)
+        : m_pValue(value)
+    {
+        value->Attach(this);
+    }
+    ~WriteWatcher() override
+    {
+        if (m_pValue)
+            m_pValue->Detach(this);
+    }
+    void Update(Observable*, TChangeCode code) override
+    {
+        if (code == ValueChanged)
+            ++writes;
+        if (code == ValueDestroyed)
+            m_pValue = nullptr;
+    }
+    int writes = 0;
+
+private:
+    values::ValueBase* m_pValue;
+};
+
+} // namespace
+
+class VCSliderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { tree().Clear(); }
+
+    void construction()
+    {
+        VCSlider slider(nullptr, "gain");
+        QCOMPARE(slider.objectName(), QStringLiteral("gain"));
+        QVERIFY(!slider.isEnabled());
+        QCOMPARE(slider.minimum(), 0);
+        QCOMPARE(slider.maximum(), 1);
+        VCSlider unnamed;
+        QVERIFY(unnamed.objectName().isEmpty());
+
+        VCScrollBar bar(nullptr, "pos");
+        QCOMPARE(bar.objectName(), QStringLiteral("pos"));
+        QVERIFY(!bar.isEnabled());
+        QCOMPARE(bar.minimum(), 0);
+        QCOMPARE(bar.maximum(), 0);
+        QCOMPARE(bar.value(), 0);
+    }
+
+    void conversions_data()
+    {
+        QTest::addColumn<double>("minimum");
+        QTest::addColumn<double>("maximum");
+        QTest::addColumn<double>("value");
+        QTest::addColumn<int>("sliderMin");
+        QTest::addColumn<int>("sliderMax");
+        QTest::addColumn<int>("sliderValue");
+        QTest::addColumn<int>("barMin");
+        QTest::addColumn<int>("barMax");
+        QTest::addColumn<int>("barValue");
+        QTest::newRow("integers") << 0.0 << 10.0 << 4.0 << 0 << 10 << 4 << 0 << 10 << 4;
+        QTest::newRow("half") << 0.0 << 10.0 << 2.5 << 0 << 10 << 3 << 0 << 10 << 2;
+        QTest::newRow("fraction max") << 0.0 << 9.6 << 9.6 << 0 << 10 << 10 << 0 << 10 << 9;
+        QTest::newRow("max below half") << 0.0 << 9.4 << 9.4 << 0 << 9 << 9 << 0 << 9 << 9;
+        QTest::newRow("negative half") << -1.5 << 5.0 << -1.5 << -1 << 5 << -1 << -1 << 5 << -1;
+        QTest::newRow("negative") << -2.4 << 5.0 << -2.4 << -2 << 5 << -2 << -2 << 5 << -2;
+        QTest::newRow("beyond int") << -1e12 << 1e12 << 1e11 << INT_MIN << INT_MAX << INT_MAX << INT_MIN << INT_MAX << INT_MAX;
+    }
+    void conversions()
+    {
+        QFETCH(double, minimum);
+        QFETCH(double, maximum);
+        QFETCH(double, value);
+        QFETCH(int, sliderMin);
+        QFETCH(int, sliderMax);
+        QFETCH(int, sliderValue);
+        QFETCH(int, barMin);
+        QFETCH(int, barMax);
+        QFETCH(int, barValue);
+
+        addNumber(QStringLiteral("/a"), value, minimum, maximum);
+        addNumber(QStringLiteral("/b"), value, minimum, maximum);
+        VCSlider slider(nullptr, "s");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+        QCOMPARE(slider.minimum(), sliderMin);
+        QCOMPARE(slider.maximum(), sliderMax);
+        QCOMPARE(slider.value(), sliderValue);
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(bar.Set_ValuePath(QStringLiteral("/b")));
+        QCOMPARE(bar.minimum(), barMin);
+        QCOMPARE(bar.maximum(), barMax);
+        QCOMPARE(bar.value(), barValue);
+        QVERIFY(slider.isEnabled());
+        QVERIFY(bar.isEnabled());
+    }
+
+    void valueMovesAndWritesBack()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 0, 0, 10);
+        auto* b = addNumber(QStringLiteral("/b"), 0, 0, 10);
+        VCSlider slider(nullptr, "s");
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+        QVERIFY(bar.Set_ValuePath(QStringLiteral("/b")));
+        QSignalSpy sliderMoved(&slider, &QSlider::valueChanged);
+        // A fraction shows rounded and, because the slider moved, comes back as that integer.
+        a->SetValue(2.5, nullptr);
+        QCOMPARE(slider.value(), 3);
+        QCOMPARE(a->GetValue(), 3.0);
+        b->SetValue(2.5, nullptr);
+        QCOMPARE(bar.value(), 2);
+        QCOMPARE(b->GetValue(), 2.0);
+        QCOMPARE(sliderMoved.count(), 1);
+        // A number that leaves the slider where it is writes nothing back.
+        a->SetValue(3.2, nullptr);
+        QCOMPARE(slider.value(), 3);
+        QCOMPARE(a->GetValue(), 3.2);
+        QCOMPARE(sliderMoved.count(), 1);
+    }
+
+    void rangeFollowsTheValue()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 10);
+        VCSlider slider(nullptr, "s");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+        a->SetRange(2.4, 7.5, 0.1);
+        QCOMPARE(slider.minimum(), 2);
+        QCOMPARE(slider.maximum(), 8);
+        // The setters of the old interface are empty.
+        slider.setMinValue(5);
+        slider.setMaxValue(6);
+        QCOMPARE(slider.minimum(), 2);
+        QCOMPARE(slider.maximum(), 8);
+        QCOMPARE(slider.singleStep(), 1); // the value's step is not the slider's
+    }
+
+    void userInputWrites_data()
+    {
+        QTest::addColumn<QString>("input");
+        QTest::newRow("arrow key") << "right";
+        QTest::newRow("page key") << "pagedown";
+        QTest::newRow("end key") << "end";
+        QTest::newRow("wheel") << "wheel";
+        QTest::newRow("click on groove") << "click";
+    }
+    void userInputWrites()
+    {
+        // Each bound control must move exactly as its plain Qt twin does, and write what it shows.
+        QFETCH(QString, input);
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 20);
+        auto* b = addNumber(QStringLiteral("/b"), 5, 0, 20);
+        QWidget window;
+        auto* slider = new VCSlider(&window, "s");
+        auto* bar = new VCScrollBar(&window, "b");
+        auto* plainSlider = new QSlider(&window);
+        auto* plainBar = new QScrollBar(&window);
+        QAbstractSlider* all[] = {slider, bar, plainSlider, plainBar};
+        for (int i = 0; i < 4; ++i) {
+            all[i]->setOrientation(Qt::Horizontal);
+            all[i]->setGeometry(0, i * 40, 300, 30);
+            all[i]->setRange(0, 20);
+            all[i]->setValue(5);
+        }
+        QVERIFY(slider->SetNumeric_ValuePath(QStringLiteral("/a")));
+        QVERIFY(bar->Set_ValuePath(QStringLiteral("/b")));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        for (QAbstractSlider* control : all) {
+            if (input == QLatin1String("right"))
+                QTest::keyClick(control, Qt::Key_Right);
+            else if (input == QLatin1String("pagedown"))
+                QTest::keyClick(control, Qt::Key_PageDown);
+            else if (input == QLatin1String("end"))
+                QTest::keyClick(control, Qt::Key_End);
+            else if (input == QLatin1String("wheel")) {
+                const QPoint centre(control->width() / 2, control->height() / 2);
+                QWheelEvent wheel(centre, control->mapToGlobal(centre), QPoint(), QPoint(0, 120), Qt::NoButton,
+                                  Qt::NoModifier, Qt::NoScrollPhase, false);
+                QApplication::sendEvent(control, &wheel);
+            } else {
+                QTest::mouseClick(control, Qt::LeftButton, Qt::NoModifier, QPoint(control->width() - 5, control->height() / 2));
+            }
+        }
+        QVERIFY(plainSlider->value() != 5);
+        QVERIFY(plainBar->value() != 5);
+        QCOMPARE(slider->value(), plainSlider->value());
+        QCOMPARE(bar->value(), plainBar->value());
+        QCOMPARE(a->GetValue(), double(plainSlider->value()));
+        QCOMPARE(b->GetValue(), double(plainBar->value()));
+    }
+
+    void unboundMovesOnlyItself()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 20);
+        VCSlider slider(nullptr, "s");
+        slider.setRange(0, 10);
+        slider.setValue(7);
+        QCOMPARE(a->GetValue(), 5.0);
+        QVERIFY(!slider.SetNumeric_ValuePath(QStringLiteral("/missing")));
+        QVERIFY(!slider.SetNumericValue(nullptr));
+        slider.setValue(2);
+        QCOMPARE(a->GetValue(), 5.0);
+        tree().Add(QStringLiteral("/text"), new values::StringValue(QStringLiteral("x")));
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(!bar.Set_ValuePath(QStringLiteral("/text"))); // not a number
+        QVERIFY(!bar.isEnabled());
+    }
+
+    void rebindingLetsGoOfTheOldValue()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 20);
+        auto* b = addNumber(QStringLiteral("/b"), 9, 0, 20);
+        VCSlider slider(nullptr, "s");
+        QVERIFY(slider.SetNumericValue(a));
+        QVERIFY(a->IsAttached(&slider));
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/b")));
+        QVERIFY(!a->IsAttached(&slider));
+        QCOMPARE(slider.value(), 9);
+        a->SetValue(1, nullptr);
+        QCOMPARE(slider.value(), 9);
+        // A failed lookup leaves it unbound, detached, and showing what it showed.
+        QVERIFY(!slider.SetNumeric_ValuePath(QStringLiteral("/none")));
+        QVERIFY(!b->IsAttached(&slider));
+        b->SetValue(3, nullptr);
+        QCOMPARE(slider.value(), 9);
+    }
+
+    void stateFollowsTheValue()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 20);
+        a->SetState(Disabled);
+        VCSlider slider(nullptr, "s");
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+        QVERIFY(bar.Set_ValuePath(QStringLiteral("/a")));
+        QVERIFY(!slider.isEnabled());
+        a->SetState(Enabled);
+        QVERIFY(slider.isEnabled());
+        QVERIFY(bar.isEnabled());
+        a->SetState(Disabled);
+        QVERIFY(!slider.isEnabled());
+        a->SetState(Enabled);
+        WriteWatcher watcher(a);
+        tree().Remove(QStringLiteral("/a"));
+        // Removed: both let go and keep their look; moving them now touches nothing.
+        QVERIFY(slider.isEnabled());
+        QCOMPARE(slider.value(), 5);
+        slider.setValue(6);
+        bar.setValue(7);
+        QCOMPARE(watcher.writes, 0);
+    }
+
+    void destroyedControlDetaches()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 5, 0, 20);
+        {
+            VCSlider slider(nullptr, "s");
+            VCScrollBar bar(nullptr, "b");
+            QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+            QVERIFY(bar.Set_ValuePath(QStringLiteral("/a")));
+            QCOMPARE(a->ObserverCount(), 2);
+        }
+        QCOMPARE(a->ObserverCount(), 0);
+        a->SetValue(1, nullptr);
+    }
+
+    void manySlidersFollowOneValue()
+    {
+        auto* a = addNumber(QStringLiteral("/a"), 0, 0, 1000);
+        std::vector<std::unique_ptr<VCSlider>> sliders;
+        for (int i = 0; i < 200; ++i) {
+            sliders.push_back(std::make_unique<VCSlider>());
+            QVERIFY(sliders.back()->SetNumeric_ValuePath(QStringLiteral("/a")));
+        }
+        // One user moves one slider: every other one follows, and the value hears once.
+        WriteWatcher watcher(a);
+        sliders[17]->setValue(640);
+        QCOMPARE(a->GetValue(), 640.0);
+        QCOMPARE(watcher.writes, 1);
+        for (const auto& s : sliders)
+            QCOMPARE(s->value(), 640);
+    }
+};
+
+QTEST_MAIN(VCSliderTest)
+#include "vcslidertest.moc"
