@@ -24,22 +24,23 @@ bool VCSlider::SetNumeric_ValuePath(const QString& path)
 {
     DetachValue(m_pNumericValue, this);
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
-    if (!m_pNumericValue)
-        return false;
-    setMinimum(vandrel::RoundToInt(m_pNumericValue->GetMinimum()));
-    setMaximum(vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
-    setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
-    SyncObserver(m_pNumericValue, this);
-    return true;
+    return showBoundValue();
 }
 
 bool VCSlider::SetNumericValue(values::IValueNumeric* value)
 {
     DetachValue(m_pNumericValue, this);
-    if (!value)
-        return false;
     m_pNumericValue = value;
-    ObservableOf(m_pNumericValue)->Attach(this);
+    if (m_pNumericValue)
+        ObservableOf(m_pNumericValue)->Attach(this);
+    return showBoundValue();
+}
+
+bool VCSlider::showBoundValue()
+{
+    if (!m_pNumericValue)
+        return false;
+    // The range first, so that the number is not clipped by the range of the former value.
     setMinimum(vandrel::RoundToInt(m_pNumericValue->GetMinimum()));
     setMaximum(vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
     setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));

@@ -42,5 +42,7 @@ private Q_SLOTS:
     void InternalValueChanged(int nValue);
 
 private:
+    bool showBoundValue();
+
     values::IValueNumeric* m_pNumericValue;
 };
