@@ -33,4 +33,5 @@ protected Q_SLOTS:
 
 private:
     values::IValueNumeric* m_pNumericValue;
+    bool m_bAdoptingRange = false;
 };

@@ -11,7 +11,8 @@
  *
  * The slider takes the value's limits and number, rounded with qRound, and follows every change of
  * them. Every change of the slider's position, also one that came from the value, writes the integer
- * back with the slider as originator, so a number with a fraction loses it once shown. The value's
+ * back with the slider as originator, so a number with a fraction loses it once shown. Only the
+ * moves that taking over new limits forces on the position are not written. The value's
  * step is not used: singleStep() and pageStep() stay the application's.
  *
  * Unbound, the slider is disabled and moving it changes only itself. Bound, it is enabled and
@@ -43,6 +44,8 @@ private Q_SLOTS:
 
 private:
     bool showBoundValue();
+    void adoptRange(int minimum, int maximum);
 
     values::IValueNumeric* m_pNumericValue;
+    bool m_bAdoptingRange = false;
 };

@@ -118,6 +118,37 @@ private Q_SLOTS:
         QVERIFY(bar.isEnabled());
     }
 
+    void bindingKeepsTheValue_data()
+    {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<double>("minimum");
+        QTest::addColumn<double>("maximum");
+        QTest::newRow("far above the start range") << 7000.0 << 100.0 << 30000.0;
+        QTest::newRow("inside") << 2.0 << 1.0 << 10.0;
+        QTest::newRow("negative range") << -95.0 << -130.0 << -30.0;
+    }
+    void bindingKeepsTheValue()
+    {
+        // Taking over the limits must not write the control's start position into the value.
+        QFETCH(double, value);
+        QFETCH(double, minimum);
+        QFETCH(double, maximum);
+        auto* a = addNumber(QStringLiteral("/a"), value, minimum, maximum);
+        WriteWatcher watcher(a);
+        VCSlider slider(nullptr, "s");
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/a")));
+        QVERIFY(bar.Set_ValuePath(QStringLiteral("/a")));
+        QCOMPARE(a->GetValue(), value);
+        QCOMPARE(watcher.writes, 0);
+        QCOMPARE(slider.value(), int(value));
+        QCOMPARE(bar.value(), int(value));
+        // A new range that leaves the number where it is writes nothing either.
+        a->SetRange(minimum - 1000, maximum + 1000, 1);
+        QCOMPARE(a->GetValue(), value);
+        QCOMPARE(watcher.writes, 0);
+    }
+
     void valueMovesAndWritesBack()
     {
         auto* a = addNumber(QStringLiteral("/a"), 0, 0, 10);
@@ -286,6 +317,19 @@ private Q_SLOTS:
         }
         QCOMPARE(a->ObserverCount(), 0);
         a->SetValue(1, nullptr);
+    }
+
+    void valueDeletedWhileBound()
+    {
+        // A value the application owns and deletes without removing it first.
+        auto* own = new values::DoubleNumeric(4, 0, 10);
+        VCSlider slider(nullptr, "s");
+        VCScrollBar bar(nullptr, "b");
+        QVERIFY(slider.SetNumericValue(own));
+        QVERIFY(bar.Set_ValuePath(QStringLiteral("/none")) == false);
+        delete own;
+        slider.setValue(7); // must not touch the deleted value
+        QCOMPARE(slider.value(), 7);
     }
 
     void manySlidersFollowOneValue()

@@ -178,6 +178,19 @@ void DetachValue(T*& value, IObserver* observer)
 }
 
 /**
+ * \brief The reaction to ValueDestroyed: clears \a value when \a source is its Observable part, with
+ * no Detach, since the value is going. Returns whether it matched.
+ */
+template <class T>
+bool ForgetDestroyedValue(T*& value, Observable* source)
+{
+    if (!value || source != ObservableOf(value))
+        return false;
+    value = nullptr;
+    return true;
+}
+
+/**
  * \brief Reads the entries of \a log from \a nextSequence on.
  *
  * Returns 0 when nothing is new, 1 when every new entry is of \a kind (\a nextSequence then stands
