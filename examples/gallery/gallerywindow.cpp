@@ -1,0 +1,515 @@
+/*
+ * The gallery window. Each family of controls has a page made by its own function,
+ * `QWidget* make<Family>Page()`, added as a tab once in the constructor. A page creates its controls,
+ * binds them inside bind() (so that they are bound again after "Restore instrument") and lays each one
+ * out with addControlRow(grid, caption, control, readout(path, format)), or with addStackedControl()
+ * for the caption above the control. The display above the pages and the value tree on the right need
+ * no change for a new page.
+ */
+#include "gallerywindow.h"
+
+#include "instrument.h"
+#include "valuetreeview.h"
+
+#include <vandrel/vandrel.h>
+
+#include <QAction>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+/// A number of the value with its unit, \a scale applied, with a true minus sign.
+ValueReadout::Formatter numberIn(const QString& unit, int decimals = 0, double scale = 1.0)
+{
+    return [=](values::ValueBase& value) {
+        auto* numeric = dynamic_cast<values::IValueNumeric*>(&value);
+        if (!numeric)
+            return value.GetValueString();
+        QString text = QString::number(numeric->GetValue() * scale, 'f', decimals);
+        text.replace(QLatin1Char('-'), QChar(0x2212));
+        return unit.isEmpty() ? text : text + QLatin1Char(' ') + unit;
+    };
+}
+
+/// Greys a caption out together with its control.
+class EnabledFollower : public QObject
+{
+public:
+    EnabledFollower(QWidget* source, QWidget* follower)
+        : QObject(follower)
+        , m_pFollower(follower)
+    {
+        follower->setEnabled(source->isEnabled());
+        source->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::EnabledChange)
+            m_pFollower->setEnabled(static_cast<QWidget*>(watched)->isEnabled());
+        return false;
+    }
+
+private:
+    QWidget* m_pFollower;
+};
+
+QLabel* hint(const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, QColor(0x6b, 0x74, 0x7d));
+    label->setPalette(palette);
+    return label;
+}
+
+/*
+ * VCSlider and VCScrollBar attach to a value before they take its limits, so the clamping of their old
+ * position on the way is written into the value (a frequency of 7000 kHz would become the 100 kHz
+ * minimum). Giving the control the value's range and number while it is not bound to it leaves
+ * nothing to clamp. A control still bound to the value already shows exactly this, so nothing moves.
+ */
+void presetFromValue(QAbstractSlider* control, const QString& path, bool truncating)
+{
+    auto* numeric = dynamic_cast<values::IValueNumeric*>(values::Tree::Instance()->Find(path));
+    if (!numeric)
+        return;
+    if (truncating) {
+        control->setRange(int(numeric->GetMinimum()), int(numeric->GetMaximum() + 0.5));
+        control->setValue(int(numeric->GetValue()));
+    } else {
+        control->setRange(qRound(numeric->GetMinimum()), qRound(numeric->GetMaximum()));
+        control->setValue(qRound(numeric->GetValue()));
+    }
+}
+
+void bindNumber(VCSlider* slider, const QString& path)
+{
+    presetFromValue(slider, path, false);
+    slider->SetNumeric_ValuePath(path);
+}
+
+void bindNumber(VCScrollBar* bar, const QString& path)
+{
+    presetFromValue(bar, path, true);
+    bar->Set_ValuePath(path);
+}
+
+const char* const kDisplayStyle = R"(
+QFrame#display { background: #18212b; border-radius: 8px; }
+QFrame#display QLabel { color: #7fe0c4; background: transparent; }
+QFrame#display QLabel:disabled { color: #46555f; }
+QFrame#display QLabel[role="caption"] { color: #6f8796; font-size: 8pt; letter-spacing: 1px; }
+QFrame#display QLabel#frequencyDisplay { font-size: 26pt; color: #b8f5e3; }
+QFrame#display QLabel#carrierDisplay { font-weight: bold; }
+)";
+
+} // namespace
+
+GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
+    : QMainWindow(parent)
+    , m_pInstrument(instrument)
+{
+    setWindowTitle(tr("Simulated receiver"));
+    resize(1280, 800);
+
+    auto* left = new QWidget(this);
+    auto* leftLayout = new QVBoxLayout(left);
+    leftLayout->setContentsMargins(10, 10, 4, 6);
+    leftLayout->setSpacing(10);
+    leftLayout->addWidget(makeDisplay());
+    m_pPages = new QTabWidget(left);
+    m_pPages->setObjectName(QStringLiteral("pages"));
+    m_pPages->setDocumentMode(true);
+    m_pPages->addTab(makeSliderPage(), tr("Sliders and scroll bars"));
+    leftLayout->addWidget(m_pPages, 1);
+
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->addWidget(left);
+    splitter->addWidget(makeValueTreePane());
+    splitter->setStretchFactor(0, 0);
+    splitter->setStretchFactor(1, 1);
+    splitter->setSizes({640, 640});
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+
+    makeActions();
+    makeStatusBar();
+
+    connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);
+    // The scan switch also follows edits and removals made while the simulation is paused.
+    connect(valueTreeModel(), &ValueTreeModel::changeArrived, this, [this](const QString& path) {
+        if (path == QLatin1String("/receiver/scan/active"))
+            followInstrument();
+    });
+    connect(valueTreeModel(), &QAbstractItemModel::rowsRemoved, this, &GalleryWindow::followInstrument);
+    followInstrument();
+}
+
+GalleryWindow::~GalleryWindow() = default;
+
+ValueTreeModel* GalleryWindow::valueTreeModel() const
+{
+    return m_pTree->model();
+}
+
+void GalleryWindow::bind(std::function<void()> binding)
+{
+    binding();
+    m_bindings.push_back(std::move(binding));
+}
+
+ValueReadout* GalleryWindow::readout(const QString& path, ValueReadout::Formatter format)
+{
+    auto* label = new ValueReadout(std::move(format));
+    label->setObjectName(QStringLiteral("readout:") + path);
+    bind([label, path] { label->bind(path); });
+    return label;
+}
+
+void GalleryWindow::addControlRow(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout)
+{
+    const int row = grid->rowCount();
+    auto* label = new QLabel(caption);
+    label->setBuddy(control);
+    new EnabledFollower(control, label);
+    if (auto* value = qobject_cast<QLabel*>(readout)) {
+        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        value->setMinimumWidth(value->fontMetrics().horizontalAdvance(QStringLiteral("00.000 MHz")) + 8);
+    }
+    grid->addWidget(label, row, 0);
+    grid->addWidget(control, row, 1);
+    if (readout)
+        grid->addWidget(readout, row, 2);
+}
+
+void GalleryWindow::addStackedControl(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout)
+{
+    const int row = grid->rowCount();
+    auto* label = new QLabel(caption);
+    label->setBuddy(control);
+    new EnabledFollower(control, label);
+    grid->addWidget(label, row, 0);
+    if (auto* value = qobject_cast<QLabel*>(readout)) {
+        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        grid->addWidget(value, row, 1);
+    }
+    grid->addWidget(control, row + 1, 0, 1, 2);
+    // Air between one control and the next caption.
+    grid->setRowMinimumHeight(row + 2, 14);
+}
+
+QWidget* GalleryWindow::makeDisplay()
+{
+    auto* display = new QFrame(this);
+    display->setObjectName(QStringLiteral("display"));
+    display->setStyleSheet(QString::fromLatin1(kDisplayStyle));
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+
+    auto caption = [display](const QString& text) {
+        auto* label = new QLabel(text.toUpper(), display);
+        label->setProperty("role", QStringLiteral("caption"));
+        return label;
+    };
+    auto field = [&](const QString& path, ValueReadout::Formatter format, const char* name) {
+        ValueReadout* label = readout(path, std::move(format));
+        label->setParent(display);
+        label->setObjectName(QString::fromLatin1(name));
+        label->setFont(fixed);
+        return label;
+    };
+
+    ValueReadout* frequency = field(QStringLiteral("/receiver/frequency"), numberIn(QStringLiteral("MHz"), 3, 0.001),
+                                    "frequencyDisplay");
+    QFont big = fixed;
+    big.setPointSize(26);
+    frequency->setFont(big);
+    frequency->setMinimumWidth(QFontMetrics(big).horizontalAdvance(QStringLiteral("00.000 MHz")));
+
+    auto* grid = new QGridLayout(display);
+    grid->setContentsMargins(18, 12, 18, 12);
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(2);
+    grid->addWidget(caption(tr("Frequency")), 0, 0);
+    grid->addWidget(frequency, 1, 0, 2, 1, Qt::AlignLeft | Qt::AlignVCenter);
+
+    struct Field
+    {
+        QString caption;
+        QString path;
+        ValueReadout::Formatter format;
+        const char* name;
+    };
+    const Field fields[] = {
+        {tr("Mode"), QStringLiteral("/receiver/mode"), {}, "modeDisplay"},
+        {tr("Level"), QStringLiteral("/receiver/level"), numberIn(QStringLiteral("dBm")), "levelDisplay"},
+        {tr("Carrier"), QStringLiteral("/receiver/carrier"),
+         [](values::ValueBase& v) { return v.GetValueString() == QLatin1String("true") ? tr("● OPEN") : tr("○ quiet"); },
+         "carrierDisplay"},
+        {tr("Scan"), QStringLiteral("/receiver/scan/position"), numberIn(QStringLiteral("%")), "scanDisplay"},
+    };
+    int column = 1;
+    for (const Field& f : fields) {
+        grid->addWidget(caption(f.caption), 0, column);
+        grid->addWidget(field(f.path, f.format, f.name), 1, column);
+        ++column;
+    }
+    grid->addWidget(caption(tr("Notes")), 2, 1, 1, 1, Qt::AlignBottom);
+    ValueReadout* notes = field(QStringLiteral("/receiver/notes"), {}, "notesDisplay");
+    grid->addWidget(notes, 3, 1, 1, column - 1);
+    grid->addWidget(caption(tr("Options")), 2, 3, 1, 1, Qt::AlignBottom);
+    grid->addWidget(field(QStringLiteral("/receiver/options"), {}, "optionsDisplay"), 3, 3, 1, column - 3);
+    grid->setColumnStretch(0, 1);
+    return display;
+}
+
+QWidget* GalleryWindow::makeSliderPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(2, 10, 2, 2);
+    layout->setSpacing(10);
+    layout->addWidget(hint(tr("Every control here is bound to a value of the receiver. Drag one and watch its row "
+                              "glow in the value tree; disable or remove the value there and watch the control."),
+                           page));
+
+    // Tuning: scroll bars make good dials, with arrows for single steps.
+    auto* tuning = new QGroupBox(tr("Tuning"), page);
+    auto* tuningGrid = new QGridLayout(tuning);
+    tuningGrid->setColumnStretch(1, 1);
+    tuningGrid->setHorizontalSpacing(12);
+
+    auto* frequency = new VCScrollBar(tuning, "frequencyScrollBar");
+    frequency->setOrientation(Qt::Horizontal);
+    frequency->setSingleStep(1);
+    frequency->setPageStep(100);
+    frequency->setToolTip(tr("Tuning in kHz: the arrows step 1 kHz, the trough 100 kHz"));
+    bind([frequency] { bindNumber(frequency, QStringLiteral("/receiver/frequency")); });
+    addControlRow(tuningGrid, tr("Frequency"), frequency,
+                  readout(QStringLiteral("/receiver/frequency"), numberIn(QStringLiteral("MHz"), 3, 0.001)));
+
+    auto* position = new VCScrollBar(tuning, "scanPositionScrollBar");
+    position->setOrientation(Qt::Horizontal);
+    position->setPageStep(10);
+    position->setToolTip(tr("Where the scan stands in its band; moving it stops the scan"));
+    bind([position] { bindNumber(position, QStringLiteral("/receiver/scan/position")); });
+    addControlRow(tuningGrid, tr("Scan position"), position,
+                  readout(QStringLiteral("/receiver/scan/position"), numberIn(QStringLiteral("%"))));
+    layout->addWidget(tuning);
+
+    auto* lower = new QHBoxLayout;
+    lower->setSpacing(10);
+
+    // Settings as horizontal sliders, each under its caption and read-out.
+    auto* receiver = new QGroupBox(tr("Receiver and scan"), page);
+    auto* receiverGrid = new QGridLayout(receiver);
+    receiverGrid->setColumnStretch(0, 1);
+    receiverGrid->setVerticalSpacing(2);
+    struct SliderRow
+    {
+        QString caption;
+        const char* name;
+        QString path;
+        QString unit;
+        int tick;
+        QString toolTip;
+    };
+    const SliderRow rows[] = {
+        {tr("Gain"), "gainSlider", QStringLiteral("/receiver/gain"), QStringLiteral("dB"), 10, QString()},
+        {tr("Squelch"), "squelchSlider", QStringLiteral("/receiver/squelch"), QStringLiteral("dBm"), 10,
+         tr("The carrier opens above this level")},
+        {tr("Volume"), "volumeSlider", QStringLiteral("/receiver/volume"), QStringLiteral("%"), 10, QString()},
+        {tr("Scan speed"), "scanSpeedSlider", QStringLiteral("/receiver/scan/speed"), tr("%/step"), 1, QString()},
+        {tr("Hold on carrier"), "scanHoldSlider", QStringLiteral("/receiver/scan/hold"), QStringLiteral("s"), 1,
+         tr("How long the scan stays on a carrier")},
+    };
+    for (const SliderRow& r : rows) {
+        auto* slider = new VCSlider(receiver, r.name);
+        slider->setOrientation(Qt::Horizontal);
+        slider->setTickPosition(QSlider::TicksBelow);
+        slider->setTickInterval(r.tick);
+        slider->setPageStep(r.tick);
+        slider->setToolTip(r.toolTip);
+        const QString path = r.path;
+        bind([slider, path] { bindNumber(slider, path); });
+        addStackedControl(receiverGrid, r.caption, slider, readout(path, numberIn(r.unit)));
+    }
+    receiverGrid->setRowStretch(receiverGrid->rowCount(), 1);
+    lower->addWidget(receiver, 1);
+
+    // Meters: vertical controls side by side, two of them on values that also have a horizontal slider,
+    // so that both can be seen following each other.
+    auto* meters = new QGroupBox(tr("Meters"), page);
+    auto* metersLayout = new QHBoxLayout(meters);
+    metersLayout->setSpacing(12);
+    struct MeterColumn
+    {
+        QString caption;
+        QString path;
+        QString unit;
+        QAbstractSlider* control;
+    };
+    auto* level = new VCSlider(meters, "levelSlider");
+    level->setTickPosition(QSlider::TicksBothSides);
+    level->setTickInterval(10);
+    level->setToolTip(tr("The signal meter: the instrument moves it, and it is yours to pull"));
+    auto* gain = new VCSlider(meters, "gainVerticalSlider");
+    gain->setTickPosition(QSlider::TicksBothSides);
+    gain->setTickInterval(10);
+    // Upright scroll bars grow upwards here, like the sliders beside them.
+    auto* squelch = new VCScrollBar(meters, "squelchScrollBar");
+    squelch->setPageStep(10);
+    squelch->setInvertedAppearance(true);
+    squelch->setInvertedControls(true);
+    auto* volume = new VCScrollBar(meters, "volumeScrollBar");
+    volume->setPageStep(10);
+    volume->setInvertedAppearance(true);
+    volume->setInvertedControls(true);
+    const MeterColumn columns[] = {
+        {tr("Level"), QStringLiteral("/receiver/level"), QStringLiteral("dBm"), level},
+        {tr("Squelch"), QStringLiteral("/receiver/squelch"), QStringLiteral("dBm"), squelch},
+        {tr("Gain"), QStringLiteral("/receiver/gain"), QStringLiteral("dB"), gain},
+        {tr("Volume"), QStringLiteral("/receiver/volume"), QStringLiteral("%"), volume},
+    };
+    for (const MeterColumn& c : columns) {
+        QAbstractSlider* control = c.control;
+        control->setOrientation(Qt::Vertical);
+        control->setMinimumHeight(160);
+        const QString path = c.path;
+        bind([control, path] {
+            if (auto* slider = qobject_cast<VCSlider*>(control))
+                bindNumber(slider, path);
+            else if (auto* bar = qobject_cast<VCScrollBar*>(control))
+                bindNumber(bar, path);
+        });
+        auto* column = new QVBoxLayout;
+        column->setSpacing(6);
+        auto* caption = new QLabel(c.caption, meters);
+        caption->setAlignment(Qt::AlignHCenter);
+        new EnabledFollower(control, caption);
+        ValueReadout* value = readout(path, numberIn(c.unit));
+        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setAlignment(Qt::AlignHCenter);
+        column->addWidget(caption);
+        column->addWidget(control, 1, Qt::AlignHCenter);
+        column->addWidget(value);
+        metersLayout->addLayout(column);
+    }
+    lower->addWidget(meters, 1);
+    layout->addLayout(lower, 1);
+    return page;
+}
+
+QWidget* GalleryWindow::makeValueTreePane()
+{
+    auto* box = new QGroupBox(tr("Value tree"), this);
+    auto* layout = new QVBoxLayout(box);
+    layout->setSpacing(6);
+    layout->addWidget(hint(tr("Each row is a value under /receiver, live. Changes glow as they arrive. "
+                              "Double-click a state or a value to edit it, or select rows and use the buttons."),
+                           box));
+    m_pTree = new ValueTreeView(Instrument::root(), box);
+    m_pTree->setObjectName(QStringLiteral("valueTree"));
+    auto* restore = new QPushButton(tr("Restore &instrument"), box);
+    restore->setObjectName(QStringLiteral("restoreButton"));
+    restore->setToolTip(tr("Bring back removed values and enable every value"));
+    connect(restore, &QPushButton::clicked, this, &GalleryWindow::restoreInstrument);
+    m_pTree->addTrailingWidget(restore);
+    layout->addWidget(m_pTree, 1);
+
+    connect(m_pTree->model(), &ValueTreeModel::stateSwitched, this, [this](const QString& path, int state) {
+        statusBar()->showMessage(tr("%1: %2").arg(path, ValueTreeModel::stateName(state)), 4000);
+    });
+    return box;
+}
+
+void GalleryWindow::makeActions()
+{
+    QToolBar* bar = addToolBar(tr("Instrument"));
+    bar->setObjectName(QStringLiteral("instrumentToolBar"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+
+    m_pScan = bar->addAction(tr("Scan"));
+    m_pScan->setCheckable(true);
+    m_pScan->setToolTip(tr("Let the receiver scan its band (writes /receiver/scan/active)"));
+    connect(m_pScan, &QAction::triggered, this, [](bool on) {
+        if (auto* active = dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active"))))
+            active->SetValue(on, nullptr);
+    });
+
+    m_pPause = bar->addAction(tr("Pause simulation"));
+    m_pPause->setCheckable(true);
+    m_pPause->setToolTip(tr("Hold the instrument still, so that only your edits move values"));
+    m_pPause->setChecked(!m_pInstrument->isRunning());
+    connect(m_pPause, &QAction::triggered, this, [this](bool paused) {
+        if (paused)
+            m_pInstrument->stop();
+        else
+            m_pInstrument->start();
+    });
+
+    bar->addSeparator();
+    QAction* restore = bar->addAction(tr("Restore instrument"), this, &GalleryWindow::restoreInstrument);
+    restore->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+}
+
+void GalleryWindow::makeStatusBar()
+{
+    m_pClock = new QLabel(this);
+    m_pCount = new QLabel(this);
+    auto* seed = new QLabel(tr("seed %1").arg(m_pInstrument->seed()), this);
+    for (QLabel* label : {m_pCount, m_pClock, seed})
+        label->setContentsMargins(10, 0, 10, 0);
+    statusBar()->addPermanentWidget(m_pCount);
+    statusBar()->addPermanentWidget(m_pClock);
+    statusBar()->addPermanentWidget(seed);
+    statusBar()->showMessage(tr("Ready: the receiver is live"), 3000);
+    ValueTreeModel* model = m_pTree->model();
+    auto count = [this, model] {
+        const int n = model->rowCount();
+        m_pCount->setText(n == 1 ? tr("1 value") : tr("%1 values").arg(n));
+    };
+    connect(model, &QAbstractItemModel::rowsInserted, this, count);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, count);
+    count();
+}
+
+void GalleryWindow::followInstrument()
+{
+    m_pClock->setText(tr("t = %1 s").arg(m_pInstrument->simulatedMs() / 1000.0, 0, 'f', 1));
+    m_pPause->setChecked(!m_pInstrument->isRunning());
+    auto* active = dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active")));
+    m_pScan->setEnabled(active && active->GetState() == Enabled);
+    m_pScan->setChecked(active && active->GetValue());
+}
+
+void GalleryWindow::restoreInstrument()
+{
+    const int recreated = m_pInstrument->restore();
+    for (const auto& binding : m_bindings)
+        binding();
+    m_pTree->rescan();
+    followInstrument();
+    statusBar()->showMessage(recreated == 1 ? tr("Restored 1 value; all values enabled")
+                             : recreated      ? tr("Restored %1 values; all values enabled").arg(recreated)
+                                                  : tr("Nothing was missing; all values enabled"),
+                             4000);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "valuereadout.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <vector>
+
+class Instrument;
+class ValueTreeModel;
+class ValueTreeView;
+class QAction;
+class QGridLayout;
+class QLabel;
+class QTabWidget;
+
+/**
+ * \brief The gallery's main window: the controls of a simulated receiver on the left, grouped by family
+ * in tabs, and the live value tree on the right.
+ *
+ * The window does not own the instrument, which must outlive it.
+ */
+class GalleryWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit GalleryWindow(Instrument* instrument, QWidget* parent = nullptr);
+    ~GalleryWindow() override;
+
+    ValueTreeView* valueTree() const { return m_pTree; }
+    ValueTreeModel* valueTreeModel() const;
+    QTabWidget* pages() const { return m_pPages; }
+
+public Q_SLOTS:
+    /// Brings back removed values, enables all, binds every control again and shows the new rows.
+    void restoreInstrument();
+
+private:
+    QWidget* makeDisplay();
+    QWidget* makeSliderPage();
+    QWidget* makeValueTreePane();
+    void makeActions();
+    void makeStatusBar();
+
+    /// Runs \a binding now and again after every restore, so that the control finds re-created values.
+    void bind(std::function<void()> binding);
+    /// A readout of \a path, bound now and after every restore.
+    ValueReadout* readout(const QString& path, ValueReadout::Formatter format = ValueReadout::Formatter());
+    /// Adds a row "caption | control | readout" to \a grid; the caption greys out with the control.
+    void addControlRow(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout);
+    /// Adds "caption ... readout" to \a grid with the control on the row below, across both columns.
+    void addStackedControl(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout);
+
+    void followInstrument();
+
+    Instrument* m_pInstrument;
+    ValueTreeView* m_pTree = nullptr;
+    QTabWidget* m_pPages = nullptr;
+    QAction* m_pScan = nullptr;
+    QAction* m_pPause = nullptr;
+    QLabel* m_pClock = nullptr;
+    QLabel* m_pCount = nullptr;
+    std::vector<std::function<void()>> m_bindings;
+};

@@ -1,0 +1,281 @@
+#include "instrument.h"
+
+#include <values/values.h>
+
+#include <QtMath>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace {
+
+struct ValueRecipe
+{
+    const char* path;
+    std::function<values::ValueBase*()> make;
+};
+
+values::ValueSelection* makeSelection(std::initializer_list<const char*> names)
+{
+    auto* selection = new values::ValueSelection;
+    long key = 0;
+    for (const char* name : names) {
+        selection->AddItem(QString::fromLatin1(name), double(key), key, nullptr);
+        ++key;
+    }
+    return selection;
+}
+
+const std::vector<ValueRecipe>& recipes()
+{
+    // Kept in path order, so that paths() needs no sorting.
+    static const std::vector<ValueRecipe> list = {
+        {"/receiver/attenuator", [] { return new values::BoolValue(false); }},
+        {"/receiver/carrier", [] { return new values::BoolValue(false); }},
+        {"/receiver/frequency", [] { return new values::DoubleNumeric(7000.0, 100.0, 30000.0, 1.0); }},
+        {"/receiver/gain", [] { return new values::IntNumeric(30, 0, 60, 1); }},
+        {"/receiver/level", [] { return new values::DoubleNumeric(-121.0, -130.0, 0.0, 1.0); }},
+        {"/receiver/mode", [] { return makeSelection({"AM", "FM", "USB", "LSB", "CW"}); }},
+        {"/receiver/notes", [] { return new values::StringValue(QStringLiteral("40 m band watch")); }},
+        {"/receiver/options",
+         [] {
+             auto* options = new values::StringMultiSelection(0);
+             options->AddItem(1, QStringLiteral("Noise blanker"));
+             options->AddItem(2, QStringLiteral("Notch"));
+             options->AddItem(3, QStringLiteral("Preamp"));
+             options->SetNoneEntry(true, QStringLiteral("none"));
+             return options;
+         }},
+        {"/receiver/scan/active", [] { return new values::BoolValue(true); }},
+        {"/receiver/scan/from", [] { return new values::DoubleNumeric(7000.0, 100.0, 30000.0, 1.0); }},
+        {"/receiver/scan/hold", [] { return new values::IntNumeric(2, 0, 10, 1); }},
+        {"/receiver/scan/position", [] { return new values::IntNumeric(0, 0, 100, 1); }},
+        {"/receiver/scan/speed", [] { return new values::IntNumeric(2, 1, 10, 1); }},
+        {"/receiver/scan/to", [] { return new values::DoubleNumeric(7300.0, 100.0, 30000.0, 1.0); }},
+        {"/receiver/squelch", [] { return new values::IntNumeric(-95, -130, -30, 1); }},
+        {"/receiver/volume", [] { return new values::IntNumeric(40, 0, 100, 1); }},
+    };
+    return list;
+}
+
+struct Station
+{
+    double kHz;
+    double dBm;      // mean level at the antenna
+    double fadeDb;   // depth of the slow fading
+    double periodS;  // period of the fading
+};
+
+// The stations of the default scan band; the scan reaches them at 3 kHz per position.
+const Station kStations[] = {
+    {7030.0, -62.0, 4.0, 3.1},
+    {7075.0, -55.0, 6.0, 5.3},
+    {7120.0, -80.0, 3.0, 2.2},
+    {7195.0, -47.0, 8.0, 7.7},
+    {7255.0, -71.0, 5.0, 4.1},
+};
+
+template <class T>
+T* find(const char* path)
+{
+    return dynamic_cast<T*>(values::Tree::Instance()->Find(QString::fromLatin1(path)));
+}
+
+// Bandwidth of the receiver's filter in each mode, in kHz, in the order of /receiver/mode's items.
+double bandwidthKHz(long modeIndex)
+{
+    static const double widths[] = {6.0, 12.0, 2.7, 2.7, 0.8};
+    return modeIndex >= 0 && modeIndex < 5 ? widths[modeIndex] : 6.0;
+}
+
+bool optionChecked(values::StringMultiSelection* options, int key)
+{
+    return options && options->IsItemChecked(key);
+}
+
+} // namespace
+
+Instrument::Instrument(QObject* parent)
+    : QObject(parent)
+{
+    m_timer.setTimerType(Qt::CoarseTimer);
+    m_timer.setInterval(StepMs);
+    connect(&m_timer, &QTimer::timeout, this, &Instrument::step);
+    for (const ValueRecipe& recipe : recipes()) {
+        values::ValueBase* value = recipe.make();
+        if (!values::Tree::Instance()->Add(QString::fromLatin1(recipe.path), value))
+            delete value; // the path is taken: another instrument owns it
+    }
+    setSeed(QRandomGenerator::global()->generate());
+}
+
+Instrument::~Instrument()
+{
+    m_timer.stop();
+    for (const ValueRecipe& recipe : recipes())
+        values::Tree::Instance()->Remove(QString::fromLatin1(recipe.path));
+}
+
+QStringList Instrument::paths()
+{
+    QStringList list;
+    for (const ValueRecipe& recipe : recipes())
+        list << QString::fromLatin1(recipe.path);
+    return list;
+}
+
+void Instrument::setSeed(quint32 seed)
+{
+    m_nSeed = seed;
+    m_rng.seed(seed);
+    m_nSteps = 0;
+    m_nHoldSteps = 0;
+    m_bSkipping = false;
+    rememberPositions();
+}
+
+void Instrument::start()
+{
+    m_timer.start();
+}
+
+void Instrument::stop()
+{
+    m_timer.stop();
+}
+
+void Instrument::rememberPositions()
+{
+    auto* position = find<values::IntNumeric>("/receiver/scan/position");
+    auto* frequency = find<values::DoubleNumeric>("/receiver/frequency");
+    m_fLastPosition = position ? position->GetValue() : -1;
+    m_fLastFrequency = frequency ? frequency->GetValue() : -1;
+}
+
+double Instrument::gaussian()
+{
+    // Box-Muller; drawing exactly two numbers per call keeps a seeded run reproducible.
+    const double u1 = 1.0 - m_rng.generateDouble();
+    const double u2 = m_rng.generateDouble();
+    return std::sqrt(-2.0 * std::log(u1)) * std::cos(2.0 * M_PI * u2);
+}
+
+double Instrument::signalLevel(double frequencyKHz, double t)
+{
+    auto* mode = find<values::ValueSelection>("/receiver/mode");
+    const double bandwidth = bandwidthKHz(mode ? mode->GetCurrentIndex() : 0);
+
+    const double noise = -121.0 + 1.5 * gaussian();
+    double power = std::pow(10.0, noise / 10.0);
+    for (const Station& station : kStations) {
+        const double offset = std::abs(frequencyKHz - station.kHz);
+        if (offset >= bandwidth)
+            continue;
+        // Off-tune the station falls off steeply; the fading gives the meter something to do.
+        const double fading = station.fadeDb * std::sin(2.0 * M_PI * t / station.periodS + station.kHz);
+        const double dBm = station.dBm + fading - 30.0 * (offset / bandwidth);
+        power += std::pow(10.0, dBm / 10.0);
+    }
+    double level = 10.0 * std::log10(power);
+
+    auto* options = find<values::StringMultiSelection>("/receiver/options");
+    if (optionChecked(options, 3))
+        level += 10.0;
+    if (optionChecked(options, 1))
+        level -= 2.0; // the blanker takes the noise peaks off, and a little of everything else
+    auto* attenuator = find<values::BoolValue>("/receiver/attenuator");
+    if (attenuator && attenuator->GetValue())
+        level -= 20.0;
+    // Whole dB: the meter's resolution, and what an integer slider shows without rewriting the value.
+    return qBound(-130.0, double(qRound(level)), 0.0);
+}
+
+void Instrument::step()
+{
+    ++m_nSteps;
+    const double t = simulatedMs() / 1000.0;
+
+    auto* active = find<values::BoolValue>("/receiver/scan/active");
+    auto* position = find<values::IntNumeric>("/receiver/scan/position");
+    auto* frequency = find<values::DoubleNumeric>("/receiver/frequency");
+    auto* from = find<values::DoubleNumeric>("/receiver/scan/from");
+    auto* to = find<values::DoubleNumeric>("/receiver/scan/to");
+    const double bandFrom = from ? from->GetValue() : 7000.0;
+    const double bandTo = to ? to->GetValue() : 7300.0;
+    const double span = bandTo - bandFrom;
+
+    // The user turned the dial since the last step: follow it, and stop scanning as a receiver does.
+    const bool positionTurned = position && position->GetValue() != m_fLastPosition;
+    const bool frequencyTurned = !positionTurned && frequency && frequency->GetValue() != m_fLastFrequency;
+    if ((positionTurned || frequencyTurned) && active && active->GetValue())
+        active->SetValue(false, nullptr);
+    if (positionTurned && frequency)
+        frequency->SetValue(qRound(bandFrom + span * position->GetValue() / 100.0), nullptr);
+    if (frequencyTurned && position && span > 0) {
+        const double f = frequency->GetValue();
+        if (f >= bandFrom && f <= bandTo)
+            position->SetValue(qRound((f - bandFrom) / span * 100.0), nullptr);
+    }
+
+    const bool scanning = active && active->GetValue() && position;
+    if (!scanning) {
+        m_nHoldSteps = 0;
+    } else if (m_nHoldSteps > 0) {
+        --m_nHoldSteps;
+        if (m_nHoldSteps == 0)
+            m_bSkipping = true;
+    } else {
+        auto* speed = find<values::IntNumeric>("/receiver/scan/speed");
+        int next = int(position->GetValue()) + (speed ? int(speed->GetValue()) : 1);
+        if (next > 100)
+            next = 0;
+        position->SetValue(next, nullptr);
+        if (frequency)
+            frequency->SetValue(qRound(bandFrom + span * next / 100.0), nullptr);
+    }
+
+    const double tuned = frequency ? frequency->GetValue() : bandFrom;
+    const double level = signalLevel(tuned, t);
+    if (auto* meter = find<values::DoubleNumeric>("/receiver/level"))
+        meter->SetValue(level, nullptr);
+
+    auto* squelch = find<values::IntNumeric>("/receiver/squelch");
+    const bool carrier = level >= (squelch ? squelch->GetValue() : -95.0);
+    if (auto* carrierValue = find<values::BoolValue>("/receiver/carrier")) {
+        if (carrierValue->GetValue() != carrier)
+            carrierValue->SetValue(carrier, nullptr);
+    }
+    if (!carrier) {
+        m_bSkipping = false;
+    } else if (scanning && m_nHoldSteps == 0 && !m_bSkipping) {
+        auto* hold = find<values::IntNumeric>("/receiver/scan/hold");
+        m_nHoldSteps = (hold ? int(hold->GetValue()) : 2) * 1000 / StepMs;
+        m_bSkipping = m_nHoldSteps == 0;
+    }
+
+    rememberPositions();
+    Q_EMIT stepped(m_nSteps);
+}
+
+int Instrument::restore()
+{
+    int recreated = 0;
+    values::Tree* tree = values::Tree::Instance();
+    for (const ValueRecipe& recipe : recipes()) {
+        const QString path = QString::fromLatin1(recipe.path);
+        if (values::ValueBase* value = tree->Find(path)) {
+            value->SetState(Enabled, nullptr);
+            continue;
+        }
+        values::ValueBase* value = recipe.make();
+        if (tree->Add(path, value))
+            ++recreated;
+        else
+            delete value;
+    }
+    // A re-created position or frequency is not the user turning the dial.
+    rememberPositions();
+    Q_EMIT restored(recreated);
+    return recreated;
+}

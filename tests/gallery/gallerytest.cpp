@@ -1,0 +1,629 @@
+#include "gallerywindow.h"
+#include "instrument.h"
+#include "valuereadout.h"
+#include "valuetreeview.h"
+
+#include <vandrel/vandrel.h>
+
+#include <QSet>
+#include <QSignalSpy>
+#include <QComboBox>
+#include <QPushButton>
+#include <QStyleOptionViewItem>
+#include <QTableView>
+#include <QTest>
+
+namespace {
+
+values::ValueBase* find(const QString& path)
+{
+    return values::Tree::Instance()->Find(path);
+}
+
+QString textOf(const QString& path)
+{
+    values::ValueBase* value = find(path);
+    return value ? value->GetValueString() : QStringLiteral("<none>");
+}
+
+QString cell(const ValueTreeModel& model, const QString& path, int column)
+{
+    return model.index(model.rowOfPath(path), column).data().toString();
+}
+
+/// The texts of the live values after each of \a steps steps of a fresh instrument seeded with \a seed.
+QStringList runInstrument(quint32 seed, int steps)
+{
+    Instrument instrument;
+    instrument.setSeed(seed);
+    QStringList trace;
+    for (int i = 0; i < steps; ++i) {
+        instrument.step();
+        trace << textOf(QStringLiteral("/receiver/level")) + QLatin1Char(' ')
+                     + textOf(QStringLiteral("/receiver/scan/position")) + QLatin1Char(' ')
+                     + textOf(QStringLiteral("/receiver/frequency"));
+    }
+    return trace;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(std::function<void()>)
+
+class GalleryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void instrumentOwnsItsBranch();
+    void instrumentIsReproducible();
+    void turningTheDialStopsTheScan();
+    void scanHoldsOnACarrier();
+
+    void writeShowsInItsRowOnly_data();
+    void writeShowsInItsRowOnly();
+    void stateSwitchReachesValueAndControl_data();
+    void stateSwitchReachesValueAndControl();
+    void removeDropsTheRowAndTheControlLetsGo();
+    void restoreBringsValuesAndRowsBack();
+    void modelOutlivesItsValues();
+    void notificationsRefreshTheRow_data();
+    void notificationsRefreshTheRow();
+    void glowStopsTicking();
+    void rescanTakesOnlyTheRoot();
+    void viewSwitchesEverySelectedValue();
+    void stateEditorCommitsTheChoice();
+
+    void windowBindsWithoutChangingValues();
+    void windowFollowsStatesAndRestore();
+};
+
+void GalleryTest::instrumentOwnsItsBranch()
+{
+    QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+    {
+        Instrument instrument;
+        QCOMPARE(values::Tree::Instance()->PathsUnder(Instrument::root()), Instrument::paths());
+        QVERIFY(dynamic_cast<values::IValueNumeric*>(find(QStringLiteral("/receiver/gain"))));
+        QVERIFY(dynamic_cast<values::ValueSelection*>(find(QStringLiteral("/receiver/mode"))));
+        QVERIFY(dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options"))));
+    }
+    QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+}
+
+void GalleryTest::instrumentIsReproducible()
+{
+    const QStringList first = runInstrument(7, 200);
+    const QStringList again = runInstrument(7, 200);
+    QCOMPARE(again, first);
+
+    // The run really moves: the meter shows more than a handful of levels, and the scan travels.
+    QSet<QString> levels;
+    QSet<QString> positions;
+    for (const QString& line : first) {
+        levels << line.section(QLatin1Char(' '), 0, 0);
+        positions << line.section(QLatin1Char(' '), 1, 1);
+    }
+    QVERIFY2(levels.size() > 5, qPrintable(QStringLiteral("%1 distinct levels").arg(levels.size())));
+    QVERIFY2(positions.size() > 10, qPrintable(QStringLiteral("%1 distinct positions").arg(positions.size())));
+
+    // The seed is what makes a run: another one draws other noise.
+    QVERIFY(runInstrument(8, 200) != first);
+
+    // setSeed() restarts the run even on an instrument that has run before.
+    Instrument instrument;
+    instrument.setSeed(7);
+    for (int i = 0; i < 30; ++i)
+        instrument.step();
+    QCOMPARE(instrument.simulatedMs(), qint64(30 * Instrument::StepMs));
+    instrument.setSeed(7);
+    QCOMPARE(instrument.stepCount(), quint64(0));
+}
+
+void GalleryTest::turningTheDialStopsTheScan()
+{
+    Instrument instrument;
+    instrument.setSeed(1);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("true"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("2"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7006"));
+
+    // The user moves the scan position: the scan stops and the frequency follows (7000 + 300 * 50 %).
+    find(QStringLiteral("/receiver/scan/position"))->SetValueFromText(QStringLiteral("50"), nullptr);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("false"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7150"));
+    for (int i = 0; i < 10; ++i)
+        instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("50"));
+
+    // Tuning the frequency inside the band moves the position along; outside it leaves it.
+    find(QStringLiteral("/receiver/frequency"))->SetValueFromText(QStringLiteral("7195"), nullptr);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("65"));
+    find(QStringLiteral("/receiver/frequency"))->SetValueFromText(QStringLiteral("14200"), nullptr);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("65"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("14200"));
+
+    // Restoring re-creates the position at 0; that is not the user turning the dial.
+    find(QStringLiteral("/receiver/scan/active"))->SetValueFromText(QStringLiteral("true"), nullptr);
+    values::Tree::Instance()->Remove(QStringLiteral("/receiver/scan/position"));
+    QCOMPARE(instrument.restore(), 1);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("true"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("2"));
+}
+
+void GalleryTest::scanHoldsOnACarrier()
+{
+    Instrument instrument;
+    instrument.setSeed(3);
+    find(QStringLiteral("/receiver/scan/speed"))->SetValueFromText(QStringLiteral("1"), nullptr);
+    find(QStringLiteral("/receiver/scan/hold"))->SetValueFromText(QStringLiteral("1"), nullptr);
+    const int holdSteps = 1000 / Instrument::StepMs;
+
+    int step = 0;
+    while (textOf(QStringLiteral("/receiver/carrier")) != QLatin1String("true") && step < 200) {
+        instrument.step();
+        ++step;
+    }
+    QVERIFY2(step < 200, "the scan found no station in its band");
+    const QString found = textOf(QStringLiteral("/receiver/scan/position"));
+    // The carrier opened at a station of the band: near 7030 kHz, the first one.
+    QVERIFY2(qAbs(textOf(QStringLiteral("/receiver/frequency")).toInt() - 7030) < 6, qPrintable(found));
+
+    for (int i = 0; i < holdSteps; ++i) {
+        instrument.step();
+        QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), found);
+    }
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QString::number(found.toInt() + 1));
+    // Having let go of the station, the scan moves on instead of holding on it a second time.
+    for (int i = 0; i < 5; ++i)
+        instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QString::number(found.toInt() + 6));
+}
+
+void GalleryTest::writeShowsInItsRowOnly_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("throughModel");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("int") << "/receiver/gain" << "42" << false << "42";
+    QTest::newRow("int clamped") << "/receiver/gain" << "99" << false << "60";
+    QTest::newRow("double") << "/receiver/frequency" << "7123.5" << false << "7123.5";
+    QTest::newRow("bool") << "/receiver/attenuator" << "on" << false << "true";
+    QTest::newRow("choice") << "/receiver/mode" << "USB" << false << "USB";
+    QTest::newRow("text") << "/receiver/notes" << "net at 19:00; QRP" << false << "net at 19:00; QRP";
+    QTest::newRow("edited in the view") << "/receiver/squelch" << "-70" << true << "-70";
+    QTest::newRow("edited choice") << "/receiver/mode" << "CW" << true << "CW";
+}
+
+void GalleryTest::writeShowsInItsRowOnly()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, text);
+    QFETCH(bool, throughModel);
+    QFETCH(QString, shown);
+
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    qint64 clock = 1000;
+    model.setClock([&clock] { return clock; });
+    QCOMPARE(model.rowCount(), Instrument::paths().size());
+    const int row = model.rowOfPath(path);
+    QVERIFY(row >= 0);
+    QCOMPARE(model.pathAt(row), path);
+
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    if (throughModel)
+        QVERIFY(model.setData(model.index(row, ValueTreeModel::ValueColumn), text));
+    else
+        QVERIFY(find(path)->SetValueFromText(text, nullptr));
+
+    QCOMPARE(textOf(path), shown);
+    QCOMPARE(cell(model, path, ValueTreeModel::ValueColumn), shown);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toModelIndex().row(), row);
+    QCOMPARE(changed.at(0).at(1).toModelIndex().row(), row);
+
+    // The changed row glows, the others do not, and the glow is gone after the fade.
+    QCOMPARE(model.heat(row), 1.0);
+    QVERIFY(model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
+    for (int other = 0; other < model.rowCount(); ++other) {
+        if (other != row)
+            QCOMPARE(model.heat(other), 0.0);
+    }
+    clock += model.fadeDuration() / 2;
+    QCOMPARE(model.heat(row), 0.5);
+    clock += model.fadeDuration() / 2;
+    QCOMPARE(model.heat(row), 0.0);
+    QVERIFY(!model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
+}
+
+void GalleryTest::stateSwitchReachesValueAndControl_data()
+{
+    QTest::addColumn<bool>("throughSetData");
+    QTest::newRow("switchState") << false;
+    QTest::newRow("setData (the state editor)") << true;
+}
+
+void GalleryTest::stateSwitchReachesValueAndControl()
+{
+    QFETCH(bool, throughSetData);
+
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    VCSlider slider(nullptr, "gain");
+    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
+    QVERIFY(slider.isEnabled());
+    const int row = model.rowOfPath(QStringLiteral("/receiver/gain"));
+    const QModelIndex state = model.index(row, ValueTreeModel::StateColumn);
+    const QModelIndex value = model.index(row, ValueTreeModel::ValueColumn);
+    QSignalSpy switched(&model, &ValueTreeModel::stateSwitched);
+
+    auto switchTo = [&](int to) {
+        return throughSetData ? model.setData(state, to) : model.switchState(row, to);
+    };
+
+    QVERIFY(switchTo(Disabled));
+    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Disabled));
+    QVERIFY(!slider.isEnabled());
+    QCOMPARE(state.data().toString(), ValueTreeModel::stateName(Disabled));
+    QCOMPARE(state.data(ValueTreeModel::StateRole).toInt(), int(Disabled));
+    QCOMPARE(switched.count(), 1);
+    QCOMPARE(switched.at(0).at(0).toString(), QStringLiteral("/receiver/gain"));
+    // A disabled value cannot be edited in the view either.
+    QVERIFY(!(model.flags(value) & Qt::ItemIsEditable));
+    QVERIFY(!model.setData(value, QStringLiteral("12")));
+    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("30"));
+
+    QVERIFY(switchTo(Enabled));
+    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Enabled));
+    QVERIFY(slider.isEnabled());
+    QVERIFY(model.flags(value) & Qt::ItemIsEditable);
+
+    // States that do not exist and rows that do not exist change nothing.
+    QVERIFY(!switchTo(7));
+    QVERIFY(!model.switchState(model.rowCount(), Disabled));
+    QVERIFY(!model.switchState(-1, Disabled));
+    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Enabled));
+    QCOMPARE(switched.count(), 2);
+}
+
+void GalleryTest::removeDropsTheRowAndTheControlLetsGo()
+{
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    const int rows = model.rowCount();
+    VCSlider slider(nullptr, "gain");
+    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
+    const int gainRow = model.rowOfPath(QStringLiteral("/receiver/gain"));
+    const int levelRow = model.rowOfPath(QStringLiteral("/receiver/level"));
+    QVERIFY(levelRow > gainRow);
+
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    QVERIFY(model.switchState(gainRow, Removed));
+    QCOMPARE(removed.count(), 1);
+    QCOMPARE(removed.at(0).at(1).toInt(), gainRow);
+    QCOMPARE(model.rowCount(), rows - 1);
+    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/gain")), -1);
+    QVERIFY(!find(QStringLiteral("/receiver/gain")));
+
+    // The slider lets go and keeps working on its own, writing nowhere.
+    slider.setValue(12);
+    QCOMPARE(slider.value(), 12);
+    QVERIFY(!find(QStringLiteral("/receiver/gain")));
+
+    // Rows after the removed one moved up; a change must still reach the right one.
+    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/level")), levelRow - 1);
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    find(QStringLiteral("/receiver/level"))->SetValueFromText(QStringLiteral("-42"), nullptr);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow - 1);
+    QCOMPARE(cell(model, QStringLiteral("/receiver/level"), ValueTreeModel::ValueColumn), QStringLiteral("-42"));
+
+    // Someone else removing a value drops its row too.
+    QVERIFY(values::Tree::Instance()->Remove(QStringLiteral("/receiver/volume")));
+    QCOMPARE(model.rowCount(), rows - 2);
+    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/volume")), -1);
+
+    // A value only marked Removed stays in the tree, so its row stays and says so.
+    find(QStringLiteral("/receiver/notes"))->SetState(Removed, nullptr);
+    QCOMPARE(model.rowCount(), rows - 2);
+    QCOMPARE(cell(model, QStringLiteral("/receiver/notes"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
+}
+
+void GalleryTest::restoreBringsValuesAndRowsBack()
+{
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    const QStringList paths = Instrument::paths();
+    QCOMPARE(instrument.restore(), 0);
+    QCOMPARE(model.rescan(), 0);
+
+    find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("55"), nullptr);
+    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/gain")), Removed));
+    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/squelch")), Removed));
+    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/volume")), Disabled));
+    find(QStringLiteral("/receiver/notes"))->SetState(Removed, nullptr);
+    QCOMPARE(model.rowCount(), paths.size() - 2);
+
+    QSignalSpy restored(&instrument, &Instrument::restored);
+    QCOMPARE(instrument.restore(), 2);
+    QCOMPARE(restored.count(), 1);
+    QCOMPARE(restored.at(0).at(0).toInt(), 2);
+    for (const QString& path : paths)
+        QCOMPARE(find(path)->GetState(), int(Enabled));
+    // Re-created values start over from their initial contents.
+    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("30"));
+
+    QCOMPARE(model.rescan(), 2);
+    QCOMPARE(model.rowCount(), paths.size());
+    for (int row = 0; row < paths.size(); ++row)
+        QCOMPARE(model.pathAt(row), paths.at(row));
+    QCOMPARE(model.rescan(), 0);
+
+    // A control bound again works on the new value, and the new row hears of it.
+    VCSlider slider(nullptr, "gain");
+    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
+    slider.setValue(45);
+    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("45"));
+    QCOMPARE(cell(model, QStringLiteral("/receiver/gain"), ValueTreeModel::ValueColumn), QStringLiteral("45"));
+}
+
+void GalleryTest::modelOutlivesItsValues()
+{
+    ValueTreeModel model(Instrument::root());
+    QCOMPARE(model.rowCount(), 0);
+    {
+        Instrument instrument;
+        QCOMPARE(model.rescan(), Instrument::paths().size());
+    }
+    QCOMPARE(model.rowCount(), 0);
+    // The model forgot the values without detaching; new ones are picked up as usual.
+    Instrument instrument;
+    QCOMPARE(model.rescan(), Instrument::paths().size());
+    QVERIFY(find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("5"), nullptr));
+    QCOMPARE(cell(model, QStringLiteral("/receiver/gain"), ValueTreeModel::ValueColumn), QStringLiteral("5"));
+}
+
+void GalleryTest::notificationsRefreshTheRow_data()
+{
+    using Change = std::function<void()>;
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<bool>("refreshed");
+
+    auto numeric = [](const char* path) { return dynamic_cast<values::IntNumeric*>(find(QString::fromLatin1(path))); };
+    auto mode = [] { return dynamic_cast<values::ValueSelection*>(find(QStringLiteral("/receiver/mode"))); };
+
+    QTest::newRow("range") << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetRange(-10, 80, 1); })
+                           << int(ValueTreeModel::TypeColumn) << "int -10…80" << true;
+    QTest::newRow("range clamps the value")
+        << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetRange(0, 20, 1); })
+        << int(ValueTreeModel::ValueColumn) << "20" << true;
+    QTest::newRow("item added") << "/receiver/mode" << Change([=] { mode()->AddItem(QStringLiteral("DRM"), 5, 5, nullptr); })
+                                << int(ValueTreeModel::TypeColumn) << "choice of 6" << true;
+    QTest::newRow("items cleared") << "/receiver/mode" << Change([=] { mode()->ClearItems(nullptr); })
+                                   << int(ValueTreeModel::ValueColumn) << "" << true;
+    QTest::newRow("item checked") << "/receiver/options"
+                                  << Change([] {
+                                         dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options")))
+                                             ->SetItemChecked(3, true, nullptr);
+                                     })
+                                  << int(ValueTreeModel::ValueColumn) << "Preamp" << true;
+    // A pending number is not the value: nothing to show.
+    QTest::newRow("pending number") << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetPendingValue(50, nullptr); })
+                                    << int(ValueTreeModel::ValueColumn) << "30" << false;
+}
+
+void GalleryTest::notificationsRefreshTheRow()
+{
+    QFETCH(QString, path);
+    QFETCH(std::function<void()>, change);
+    QFETCH(int, column);
+    QFETCH(QString, shown);
+    QFETCH(bool, refreshed);
+
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QSignalSpy arrived(&model, &ValueTreeModel::changeArrived);
+    change();
+    QCOMPARE(cell(model, path, column), shown);
+    QCOMPARE(!changed.isEmpty(), refreshed);
+    QCOMPARE(!arrived.isEmpty(), refreshed);
+    for (const QList<QVariant>& signal : qAsConst(changed))
+        QCOMPARE(signal.at(0).toModelIndex().row(), model.rowOfPath(path));
+    for (const QList<QVariant>& signal : qAsConst(arrived))
+        QCOMPARE(signal.at(0).toString(), path);
+}
+
+void GalleryTest::glowStopsTicking()
+{
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    qint64 clock = 0;
+    model.setClock([&clock] { return clock; });
+    const int row = model.rowOfPath(QStringLiteral("/receiver/volume"));
+    find(QStringLiteral("/receiver/volume"))->SetValueFromText(QStringLiteral("70"), nullptr);
+
+    // While the row glows the model repaints its background, and only its.
+    QVERIFY(model.isFading());
+    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QVERIFY(changed.wait(1000));
+    QCOMPARE(changed.last().at(0).toModelIndex().row(), row);
+    QVERIFY(changed.last().at(2).value<QVector<int>>().contains(Qt::BackgroundRole));
+
+    // Once cold it repaints a last time and then stays quiet.
+    clock = model.fadeDuration();
+    QVERIFY(changed.wait(1000));
+    QCOMPARE(model.heat(row), 0.0);
+    QVERIFY(!model.isFading());
+    const int settled = changed.count();
+    QVERIFY(!changed.wait(200));
+    QCOMPARE(changed.count(), settled);
+}
+
+void GalleryTest::rescanTakesOnlyTheRoot()
+{
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    values::Tree* tree = values::Tree::Instance();
+    QVERIFY(tree->Add(QStringLiteral("/receiverless/x"), new values::IntValue(1)));
+    QVERIFY(tree->Add(QStringLiteral("/receiver/zz/extra"), new values::IntValue(2)));
+    QVERIFY(tree->Add(QStringLiteral("/receiver/aa"), new values::IntValue(3)));
+    QCOMPARE(model.rescan(), 2);
+    QCOMPARE(model.pathAt(0), QStringLiteral("/receiver/aa"));
+    QCOMPARE(model.pathAt(model.rowCount() - 1), QStringLiteral("/receiver/zz/extra"));
+    QCOMPARE(model.rowOfPath(QStringLiteral("/receiverless/x")), -1);
+
+    ValueTreeModel everything;
+    QVERIFY(everything.rowOfPath(QStringLiteral("/receiverless/x")) >= 0);
+    QCOMPARE(everything.rowCount(), tree->Count());
+
+    for (const char* path : {"/receiverless/x", "/receiver/zz/extra", "/receiver/aa"})
+        tree->Remove(QString::fromLatin1(path));
+    QCOMPARE(model.rowCount(), Instrument::paths().size());
+}
+
+void GalleryTest::viewSwitchesEverySelectedValue()
+{
+    Instrument instrument;
+    ValueTreeView view(Instrument::root());
+    ValueTreeModel* model = view.model();
+    auto* disable = view.findChild<QPushButton*>(QStringLiteral("disableButton"));
+    auto* remove = view.findChild<QPushButton*>(QStringLiteral("removeButton"));
+    QVERIFY(disable && remove);
+    QVERIFY(!remove->isEnabled());
+
+    const QStringList chosen = {QStringLiteral("/receiver/gain"), QStringLiteral("/receiver/level"),
+                                QStringLiteral("/receiver/volume")};
+    auto select = [&] {
+        QItemSelection selection;
+        for (const QString& path : chosen) {
+            const int row = model->rowOfPath(path);
+            selection.select(model->index(row, 0), model->index(row, ValueTreeModel::ColumnCount - 1));
+        }
+        view.table()->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    };
+
+    select();
+    QVERIFY(remove->isEnabled());
+    disable->click();
+    for (const QString& path : chosen)
+        QCOMPARE(find(path)->GetState(), int(Disabled));
+    QCOMPARE(find(QStringLiteral("/receiver/frequency"))->GetState(), int(Enabled));
+
+    // Removing shifts the rows under each removed one; every chosen value must go, and only those.
+    select();
+    remove->click();
+    for (const QString& path : chosen) {
+        QVERIFY2(!find(path), qPrintable(path));
+        QCOMPARE(model->rowOfPath(path), -1);
+    }
+    QCOMPARE(model->rowCount(), Instrument::paths().size() - chosen.size());
+    QVERIFY(find(QStringLiteral("/receiver/frequency")));
+    QVERIFY(find(QStringLiteral("/receiver/mode")));
+}
+
+void GalleryTest::stateEditorCommitsTheChoice()
+{
+    Instrument instrument;
+    ValueTreeModel model(Instrument::root());
+    ValueStateDelegate delegate;
+    QWidget parent;
+    const QModelIndex state = model.index(model.rowOfPath(QStringLiteral("/receiver/squelch")), ValueTreeModel::StateColumn);
+
+    QWidget* editor = delegate.createEditor(&parent, QStyleOptionViewItem(), state);
+    auto* combo = qobject_cast<QComboBox*>(editor);
+    QVERIFY(combo);
+    delegate.setEditorData(editor, state);
+    QCOMPARE(combo->currentData().toInt(), int(Enabled));
+
+    combo->setCurrentIndex(combo->findData(int(Disabled)));
+    delegate.setModelData(editor, &model, state);
+    QCOMPARE(find(QStringLiteral("/receiver/squelch"))->GetState(), int(Disabled));
+
+    // Choosing in the list commits at once, without waiting for the editor to close.
+    QList<QWidget*> committed;
+    QList<QWidget*> closed;
+    connect(&delegate, &QAbstractItemDelegate::commitData, this, [&](QWidget* w) { committed << w; });
+    connect(&delegate, &QAbstractItemDelegate::closeEditor, this, [&](QWidget* w) { closed << w; });
+    combo->activated(combo->findData(int(Enabled)));
+    QCOMPARE(committed, QList<QWidget*>{editor});
+    QCOMPARE(closed, QList<QWidget*>{editor});
+
+    combo->setCurrentIndex(combo->findData(int(Removed)));
+    delegate.setModelData(editor, &model, state);
+    QVERIFY(!find(QStringLiteral("/receiver/squelch")));
+    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/squelch")), -1);
+}
+
+void GalleryTest::windowBindsWithoutChangingValues()
+{
+    Instrument instrument;
+    QStringList before;
+    for (const QString& path : Instrument::paths())
+        before << textOf(path);
+    GalleryWindow window(&instrument);
+    QStringList after;
+    for (const QString& path : Instrument::paths())
+        after << textOf(path);
+    QCOMPARE(after, before);
+
+    // And the controls show the values they were bound to.
+    QCOMPARE(window.findChild<VCScrollBar*>(QStringLiteral("frequencyScrollBar"))->value(), 7000);
+    QCOMPARE(window.findChild<VCSlider*>(QStringLiteral("squelchSlider"))->value(), -95);
+    QCOMPARE(window.findChild<VCScrollBar*>(QStringLiteral("squelchScrollBar"))->value(), -95);
+    QCOMPARE(window.findChild<VCSlider*>(QStringLiteral("scanSpeedSlider"))->value(), 2);
+}
+
+void GalleryTest::windowFollowsStatesAndRestore()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    ValueTreeModel* model = window.valueTreeModel();
+    auto* gain = window.findChild<VCSlider*>(QStringLiteral("gainSlider"));
+    auto* gainVertical = window.findChild<VCSlider*>(QStringLiteral("gainVerticalSlider"));
+    auto* frequency = window.findChild<VCScrollBar*>(QStringLiteral("frequencyScrollBar"));
+    auto* frequencyReadout = window.findChild<ValueReadout*>(QStringLiteral("readout:/receiver/frequency"));
+    QVERIFY(gain && gainVertical && frequency && frequencyReadout);
+    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
+
+    // Both controls on the gain follow each other and its state.
+    gain->setValue(48);
+    QCOMPARE(gainVertical->value(), 48);
+    QVERIFY(model->switchState(model->rowOfPath(QStringLiteral("/receiver/gain")), Disabled));
+    QVERIFY(!gain->isEnabled());
+    QVERIFY(!gainVertical->isEnabled());
+
+    QVERIFY(model->switchState(model->rowOfPath(QStringLiteral("/receiver/frequency")), Removed));
+    QVERIFY(!frequencyReadout->isBound());
+    QCOMPARE(frequencyReadout->text(), QStringLiteral("—"));
+    frequency->setValue(9000); // unbound: moves only itself
+    QVERIFY(!find(QStringLiteral("/receiver/frequency")));
+
+    window.restoreInstrument();
+    QCOMPARE(model->rowCount(), Instrument::paths().size());
+    QVERIFY(gain->isEnabled());
+    QVERIFY(gainVertical->isEnabled());
+    QVERIFY(frequencyReadout->isBound());
+    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
+    QCOMPARE(frequency->value(), 7000);
+    // The scroll bar is bound to the re-created value again.
+    frequency->setValue(7100);
+    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7100"));
+    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.100 MHz"));
+    QCOMPARE(cell(*model, QStringLiteral("/receiver/frequency"), ValueTreeModel::ValueColumn), QStringLiteral("7100"));
+}
+
+QTEST_MAIN(GalleryTest)
+#include "gallerytest.moc"
