@@ -78,35 +78,13 @@ QLabel* hint(const QString& text, QWidget* parent)
     return label;
 }
 
-/*
- * VCSlider and VCScrollBar attach to a value before they take its limits, so the clamping of their old
- * position on the way is written into the value (a frequency of 7000 kHz would become the 100 kHz
- * minimum). Giving the control the value's range and number while it is not bound to it leaves
- * nothing to clamp. A control still bound to the value already shows exactly this, so nothing moves.
- */
-void presetFromValue(QAbstractSlider* control, const QString& path, bool truncating)
-{
-    auto* numeric = dynamic_cast<values::IValueNumeric*>(values::Tree::Instance()->Find(path));
-    if (!numeric)
-        return;
-    if (truncating) {
-        control->setRange(int(numeric->GetMinimum()), int(numeric->GetMaximum() + 0.5));
-        control->setValue(int(numeric->GetValue()));
-    } else {
-        control->setRange(qRound(numeric->GetMinimum()), qRound(numeric->GetMaximum()));
-        control->setValue(qRound(numeric->GetValue()));
-    }
-}
-
 void bindNumber(VCSlider* slider, const QString& path)
 {
-    presetFromValue(slider, path, false);
     slider->SetNumeric_ValuePath(path);
 }
 
 void bindNumber(VCScrollBar* bar, const QString& path)
 {
-    presetFromValue(bar, path, true);
     bar->Set_ValuePath(path);
 }
 
