@@ -2,12 +2,28 @@
 
 #include <plinthor/coordinates.h>
 
+#include <orvi/translationcenter.h>
 #include <values/tree.h>
 #include <values/valueselection.h>
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QTimer>
+
+namespace {
+// The library's words (format names, the editor's menu) live in the "Plinthor" catalog, known while
+// the library is loaded.
+struct CatalogHook
+{
+    CatalogHook()
+    {
+        TranslationCenter::Instance().Register(QStringLiteral("Plinthor"));
+        TranslationCenter::Instance().InstallCatalog(QStringLiteral("Plinthor"));
+    }
+    ~CatalogHook() { TranslationCenter::Instance().Unregister(QStringLiteral("Plinthor")); }
+};
+const CatalogHook s_catalogHook;
+} // namespace
 
 Plinthor& Plinthor::Instance()
 {

@@ -1,6 +1,8 @@
 #include <plinthor/coordedit.h>
 #include <plinthor/plinthorapp.h>
 
+#include <orvi/translationcenter.h>
+#include <plinthor/coordinates.h>
 #include <values/values.h>
 
 #include <QtTest>
@@ -150,6 +152,22 @@ private Q_SLOTS:
         // Nothing typed: nothing to finish.
         Plinthor::Instance().EndEdit(nullptr);
         QCOMPARE(edited.count(), 3);
+    }
+
+    void germanCatalog()
+    {
+        TranslationCenter& centre = TranslationCenter::Instance();
+        QVERIFY(centre.IsRegistered(QStringLiteral("Plinthor")));
+        centre.AddSearchPath(QStringLiteral(VANDREL_TRANSLATIONS_DIR));
+        centre.SetLocale(QStringLiteral("de_DE"));
+        QVERIFY(centre.LoadedCatalog(QStringLiteral("Plinthor")).endsWith(QLatin1String("plinthor_de.qm")));
+        QCOMPARE(basecontrols::CoordText::TranslatedFormatName(GeoDecimal), QStringLiteral("Dezimalgrad"));
+        QCOMPARE(basecontrols::CoordText::TranslatedFormatName(SweRef99), QStringLiteral("SWEREF 99 TM"));
+        // The editor's menu words come through tr(), from the catalog installed into the application.
+        QTRY_COMPARE(QCoreApplication::translate("basecontrols::CoordEdit", "&Copy"), QStringLiteral("&Kopieren"));
+
+        centre.SetLocale(QStringLiteral("en_US"));
+        QCOMPARE(basecontrols::CoordText::TranslatedFormatName(GeoDecimal), QStringLiteral("Decimal degrees"));
     }
 };
 
