@@ -47,8 +47,7 @@ public:
     /// Rebuilds the list from the recordings and ends a running watchdog.
     void NotifyUndoRecordingsChanged() override;
     void Update(Observable* source, TChangeCode code) override;
-
-protected:
+    /// The watchdog's expiry: the button takes its enabled state from the list as it stands.
     void timerEvent(QTimerEvent* event) override;
 
 private:
