@@ -9,4 +9,5 @@
 #include <vandrel/vcscrollbuttons.h>
 #include <vandrel/vcslider.h>
 #include <vandrel/vcspinselectionbox.h>
+#include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
