@@ -166,37 +166,37 @@ bool VCScrollButtons::Set_ValuePath(const QString& path)
     return m_pNumericValue != nullptr;
 }
 
-VCButton* VCScrollButtons::GetMinusButton()
+VCButton* VCScrollButtons::GetMinusButton() const
 {
     return m_pMinusButton;
 }
 
-VCButton* VCScrollButtons::GetPlusButton()
+VCButton* VCScrollButtons::GetPlusButton() const
 {
     return m_pPlusButton;
 }
 
-VCButton* VCScrollButtons::GetMinusPageButton()
+VCButton* VCScrollButtons::GetMinusPageButton() const
 {
     return m_pMinusPageButton;
 }
 
-VCButton* VCScrollButtons::GetPlusPageButton()
+VCButton* VCScrollButtons::GetPlusPageButton() const
 {
     return m_pPlusPageButton;
 }
 
-int VCScrollButtons::value()
+int VCScrollButtons::value() const
 {
     return m_nValue;
 }
 
-int VCScrollButtons::minValue()
+int VCScrollButtons::minValue() const
 {
     return m_nMinValue;
 }
 
-int VCScrollButtons::maxValue()
+int VCScrollButtons::maxValue() const
 {
     return m_nMaxValue;
 }

@@ -81,20 +81,20 @@ public:
     bool Set_ValuePath(const QString& path);
 
     /// The button one line back (left or up); null when it was not made.
-    VCButton* GetMinusButton();
+    VCButton* GetMinusButton() const;
     /// The button one line forward (right or down); null when it was not made.
-    VCButton* GetPlusButton();
+    VCButton* GetPlusButton() const;
     /// The button one page back; null when it was not made.
-    VCButton* GetMinusPageButton();
+    VCButton* GetMinusPageButton() const;
     /// The button one page forward; null when it was not made.
-    VCButton* GetPlusPageButton();
+    VCButton* GetPlusPageButton() const;
 
     /// The position.
-    int value();
+    int value() const;
     /// The lower limit.
-    int minValue();
+    int minValue() const;
     /// The upper limit.
-    int maxValue();
+    int maxValue() const;
 
     /// Stores the position as it is: no clamping, no write, the buttons' state stays until the next move.
     void setValue(int value);

@@ -57,7 +57,7 @@ bool VCTextEdit::SetValueBase(values::ValueBase* value)
     return true;
 }
 
-values::ValueBase* VCTextEdit::GetValuePtr()
+values::ValueBase* VCTextEdit::GetValuePtr() const
 {
     return m_pTextValue;
 }
@@ -70,7 +70,7 @@ bool VCTextEdit::SetText(const QString& text)
     return true;
 }
 
-QString VCTextEdit::GetText()
+QString VCTextEdit::GetText() const
 {
     return toPlainText();
 }

@@ -38,7 +38,7 @@ public:
     /// Binds to \a value, already found by the caller; false (and unbound) when it is null or no text.
     bool SetValueBase(values::ValueBase* value);
     /// The bound text value, null while unbound.
-    values::ValueBase* GetValuePtr();
+    values::ValueBase* GetValuePtr() const;
 
     /**
      * \brief Writes \a text to the bound value (the field as originator) and shows it. Rich text
@@ -46,7 +46,7 @@ public:
      */
     bool SetText(const QString& text);
     /// The plain text shown.
-    QString GetText();
+    QString GetText() const;
     /// Stored only: the field has no messages to suppress.
     void SuppressErrorMessage(bool suppress);
 
