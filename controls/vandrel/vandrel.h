@@ -6,6 +6,8 @@
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccoordedit.h>
 #include <vandrel/vcscrollbar.h>
+#include <vandrel/vcscrollbuttons.h>
 #include <vandrel/vcslider.h>
 #include <vandrel/vcspinselectionbox.h>
+#include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>

@@ -1,0 +1,132 @@
+#include <vandrel/vctextedit.h>
+
+#include <vandrel/binding/binding.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QScopedValueRollback>
+#include <QSizePolicy>
+#include <QTextCursor>
+
+VCTextEdit::VCTextEdit(QWidget* parent)
+    : QTextEdit(parent)
+    , m_bWritingValue(false)
+    , m_bSuppressError(false)
+    , m_pTextValue(nullptr)
+{
+    VCTextEdit::Initialize(QStringLiteral("VCTextEdit"));
+}
+
+VCTextEdit::~VCTextEdit()
+{
+    // What the user typed last must not be lost with the field, shown or not; at shutdown the
+    // values may be gone already.
+    if (!QCoreApplication::closingDown())
+        emit signalTextFinallyChanged(toPlainText());
+    DetachValue(m_pTextValue, this);
+}
+
+void VCTextEdit::Initialize(const QString& name)
+{
+    setObjectName(name);
+    setMinimumHeight(60);
+    setFixedWidth(260);
+    setSizePolicy(QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed));
+    connect(this, SIGNAL(signalTextFinallyChanged(const QString&)), this, SLOT(slotSetTextFromControl(const QString&)));
+    setEnabled(false);
+    installEventFilter(this);
+    // Mouse events land on the viewport, not on the frame: the double click must be caught there.
+    viewport()->installEventFilter(this);
+}
+
+bool VCTextEdit::SetText_ValuePath(const QString& path)
+{
+    m_pTextValue = FindAndAttach<values::Value<QString>>(path, m_pTextValue, this);
+    SyncObserver(m_pTextValue, this);
+    return m_pTextValue != nullptr;
+}
+
+bool VCTextEdit::SetValueBase(values::ValueBase* value)
+{
+    DetachValue(m_pTextValue, this);
+    m_pTextValue = dynamic_cast<values::Value<QString>*>(value);
+    if (!m_pTextValue)
+        return false;
+    m_pTextValue->Attach(this);
+    SyncObserver(m_pTextValue, this);
+    return true;
+}
+
+values::ValueBase* VCTextEdit::GetValuePtr() const
+{
+    return m_pTextValue;
+}
+
+bool VCTextEdit::SetText(const QString& text)
+{
+    if (m_pTextValue)
+        m_pTextValue->SetValue(text, this);
+    QTextEdit::setText(text);
+    return true;
+}
+
+QString VCTextEdit::GetText() const
+{
+    return toPlainText();
+}
+
+void VCTextEdit::SuppressErrorMessage(bool suppress)
+{
+    m_bSuppressError = suppress;
+}
+
+bool VCTextEdit::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonDblClick:
+        selectAll(); // the whole text, never a word
+        return true;
+    case QEvent::FocusOut:
+        emit signalTextFinallyChanged(toPlainText());
+        return true;
+    default:
+        return QAbstractScrollArea::eventFilter(watched, event);
+    }
+}
+
+void VCTextEdit::slotSetTextFromControl(const QString& text)
+{
+    m_bWritingValue = true;
+    if (m_pTextValue)
+        m_pTextValue->SetValue(text, this);
+    m_bWritingValue = false;
+}
+
+void VCTextEdit::Update(Observable* source, TChangeCode code)
+{
+    const bool fromValue = m_pTextValue && source == ObservableOf(m_pTextValue);
+    if (code == StateChanged) {
+        if (fromValue)
+            ApplyValueState(m_pTextValue, this);
+        return;
+    }
+    if (code == ValueDestroyed) {
+        ForgetDestroyedValue(m_pTextValue, source);
+        return;
+    }
+    // A selection of everything is the user's choice to replace the whole text: keep it across the
+    // new text. Paragraph separators make a text of several lines never match here.
+    const QTextCursor cursor = textCursor();
+    const bool wholeSelected = cursor.hasSelection() && cursor.selectedText() == toPlainText();
+    if (code != ValueChanged || !fromValue)
+        return;
+    const QString text = m_pTextValue->GetValue();
+    if (m_bFollowingValue) {
+        QTextEdit::setText(text); // the echo of another field on this value: show, don't answer
+    } else {
+        const QScopedValueRollback<bool> following(m_bFollowingValue, true);
+        SetText(text);
+    }
+    if (wholeSelected)
+        selectAll();
+}
