@@ -5,6 +5,7 @@
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccoordedit.h>
+#include <vandrel/vclineedit.h>
 #include <vandrel/vcscrollbar.h>
 #include <vandrel/vcscrollbuttons.h>
 #include <vandrel/vcslider.h>
