@@ -5,6 +5,7 @@
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccoordedit.h>
+#include <vandrel/vcnumericfloatspin.h>
 #include <vandrel/vcscrollbar.h>
 #include <vandrel/vcslider.h>
 #include <vandrel/vcspinselectionbox.h>
