@@ -27,6 +27,7 @@ VCNumericFloatSpin::VCNumericFloatSpin(QWidget* parent, const char* name, bool o
     , m_bDirtyByUser(false)
     , m_bShowsPending(false)
     , m_bStepDisabled(false)
+    , m_pNumericObservable(nullptr)
 {
     const QString strName = QString::fromUtf8(name);
     setObjectName(strName);
@@ -57,17 +58,19 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos, bool fro
 
     if (!strPrefix.isEmpty() || !strSuffix.isEmpty()) {
         // Prefix and suffix go in unescaped: an application may give them as expressions.
-        const QRegularExpression expression(QLatin1String("^(?:") + strPrefix + QLatin1String(")?(?<inputForDoubleValidator>.*?)(?:")
-                                            + strSuffix + QLatin1String(")?$"));
-        const QRegularExpressionMatch match = expression.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
+        const QRegularExpression expression(QLatin1String("^(?:") + strPrefix
+                                            + QLatin1String(")?(?<inputForDoubleValidator>.*?)(?:") + strSuffix
+                                            + QLatin1String(")?$"));
+        const QRegularExpressionMatch match =
+            expression.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
         if (!match.hasMatch())
             return (text.isEmpty() || match.hasPartialMatch()) ? QValidator::Intermediate : QValidator::Invalid;
         text = match.captured(QStringLiteral("inputForDoubleValidator")).trimmed();
     }
 
     const QDoubleValidator validator((minimum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
-                                     (maximum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale, decimals(),
-                                     nullptr);
+                                     (maximum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
+                                     decimals(), nullptr);
     int localPos = text.length();
     const QValidator::State state = validator.validate(text, localPos);
     if (!fromValueFromText && state == QValidator::Acceptable)
@@ -83,6 +86,7 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos) const
 bool VCNumericFloatSpin::SetNumeric_ValuePath(const QString& path)
 {
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, m_pNumericValue, this);
+    m_pNumericObservable = ObservableOf(m_pNumericValue);
     if (m_pNumericValue)
         SyncObserver(m_pNumericValue, this);
     // The first picture of a value is not a change.
@@ -109,6 +113,7 @@ bool VCNumericFloatSpin::SetNumericValue(values::IValueNumeric* value)
 {
     DetachValue(m_pNumericValue, this);
     m_pNumericValue = value;
+    m_pNumericObservable = ObservableOf(m_pNumericValue);
     if (!m_pNumericValue) {
         SetDirty(false);
         return false;
@@ -221,7 +226,8 @@ void VCNumericFloatSpin::setSuffix(const QString& suffix)
 
 QString VCNumericFloatSpin::textFromValue(double value) const
 {
-    const QString text = QDoubleSpinBox::textFromValue((value + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale);
+    const QString text =
+        QDoubleSpinBox::textFromValue((value + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale);
     if (m_bDisplay0AsAuto && text == QLatin1String("0"))
         return QStringLiteral("auto");
     return text;
@@ -315,14 +321,26 @@ void VCNumericFloatSpin::SlotEditingFinished()
 
 void VCNumericFloatSpin::Update(Observable* source, TChangeCode code)
 {
-    if (code == StateChanged && source == ObservableOf(m_pNumericValue)) {
+    // The source is compared with the Observable kept at binding, not cast from the value anew: a value
+    // being destroyed sends ValueDestroyed when its numeric part is already gone.
+    if (code == StateChanged && source == m_pNumericObservable) {
         ApplyValueState(m_pNumericValue, this);
+        if (!m_pNumericValue)
+            m_pNumericObservable = nullptr;
         return;
     }
 
     m_bDirty = true;
 
-    if (!m_pNumericValue || source != ObservableOf(m_pNumericValue) || m_bIgnoreValueUpdates)
+    if (!m_pNumericValue || source != m_pNumericObservable)
+        return;
+    if (code == ValueDestroyed) {
+        // Deleted without leaving the tree first: forget it, with no Detach.
+        m_pNumericValue = nullptr;
+        m_pNumericObservable = nullptr;
+        return;
+    }
+    if (m_bIgnoreValueUpdates)
         return;
 
     switch (code) {
@@ -345,10 +363,6 @@ void VCNumericFloatSpin::Update(Observable* source, TChangeCode code)
         setSingleStep(step * m_fFactor);
         break;
     }
-    case ValueDestroyed:
-        // Deleted without leaving the tree first: it can no longer be detached from.
-        ForgetDestroyedValue(m_pNumericValue, source);
-        break;
     default:
         break;
     }

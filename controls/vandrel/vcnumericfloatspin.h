@@ -23,7 +23,9 @@
  * Unbound, the spin box is disabled and no input reaches a value. Bound, it is enabled and disabled
  * by the value's state; when the value is removed it lets go of it and keeps its look.
  */
-class VANDREL_EXPORT VCNumericFloatSpin : public QDoubleSpinBox, public IObserver, public virtual UndoRecordingControlBase
+class VANDREL_EXPORT VCNumericFloatSpin : public QDoubleSpinBox,
+                                          public IObserver,
+                                          public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -35,6 +37,7 @@ public:
      * With \a optimize, steps write the value's pending number first (see SetOptimize()).
      */
     explicit VCNumericFloatSpin(QWidget* parent = nullptr, const char* name = nullptr, bool optimize = true);
+    /// Detaches from the bound value; a pending number not yet committed stays pending.
     ~VCNumericFloatSpin() override;
 
     /**
@@ -115,6 +118,11 @@ public:
      */
     void stepBy(int steps) override;
 
+    /**
+     * \brief Follows the bound value: its state enables the spin box, its range sets singleStep() (step × factor,
+     * 1 × factor when no step is set), its value and pending number are shown. Any notification but a state
+     * change marks the spin box dirty, also one from a value it doesn't hold.
+     */
     void Update(Observable* source, TChangeCode code) override;
 
 public Q_SLOTS:
@@ -149,4 +157,5 @@ private:
     bool m_bDirtyByUser;
     bool m_bShowsPending;
     bool m_bStepDisabled;
+    Observable* m_pNumericObservable; // the bound value's Observable part, null while unbound
 };
