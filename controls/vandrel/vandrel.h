@@ -6,6 +6,7 @@
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccoordedit.h>
 #include <vandrel/vclineedit.h>
+#include <vandrel/vcnumericfloatspin.h>
 #include <vandrel/vcscrollbar.h>
 #include <vandrel/vcscrollbuttons.h>
 #include <vandrel/vcslider.h>
