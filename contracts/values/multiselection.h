@@ -229,6 +229,7 @@ public:
         : MultiSelectionValueBase(selectionMode)
     {
     }
+    ~ValueMultiSelection() override { AnnounceDestruction(); }
 };
 
 using StringMultiSelection =

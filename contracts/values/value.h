@@ -21,6 +21,7 @@ public:
         : m_value(initial)
     {
     }
+    ~Value() override { AnnounceDestruction(); }
 
     /// Stores \a value and notifies ValueChanged to every observer but \a originator.
     virtual bool SetValue(T value, IObserver* originator)

@@ -98,6 +98,16 @@ protected:
     /// A command that restores the present state of the value; null for a value that cannot be restored.
     virtual Command* CreateRestoreCommand();
 
+    /**
+     * \brief Tells the observers still attached that the value goes (ValueDestroyed) and drops its
+     * undo recordings; only the first call acts.
+     *
+     * The destructor of each value class calls it first thing, while every view of the value
+     * (IValueNumeric, IValueMultiSelection, ...) is still whole, so that an observer may still compare
+     * the source with any pointer it holds. ValueBase's own destructor calls it for classes that don't.
+     */
+    void AnnounceDestruction();
+
 private:
     friend class Tree;
     friend class ValueTransaction;
@@ -107,6 +117,7 @@ private:
     int m_nState = Enabled;
     int m_nTransactionDepth = 0;
     ValueTransaction* m_pTransaction = nullptr; // outermost open transaction
+    bool m_bDestructionAnnounced = false;
 };
 
 /**

@@ -95,6 +95,7 @@ public:
         : NumericValueBase(double(value), double(minimum), double(maximum), double(step), std::is_integral<T>::value)
     {
     }
+    ~ValueNumeric() override { AnnounceDestruction(); }
     /// Sets limits and step as T, see NumericValueBase::SetRange.
     void SetRange(T minimum, T maximum, T step, IObserver* originator = nullptr)
     {

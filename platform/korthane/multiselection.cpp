@@ -54,7 +54,10 @@ MultiSelectionValueBase::MultiSelectionValueBase(int selectionMode)
 {
 }
 
-MultiSelectionValueBase::~MultiSelectionValueBase() = default;
+MultiSelectionValueBase::~MultiSelectionValueBase()
+{
+    AnnounceDestruction();
+}
 
 MultiSelectionValueBase::Entry* MultiSelectionValueBase::find(unsigned key)
 {

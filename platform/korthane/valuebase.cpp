@@ -9,6 +9,14 @@ ValueBase::ValueBase() = default;
 
 ValueBase::~ValueBase()
 {
+    AnnounceDestruction();
+}
+
+void ValueBase::AnnounceDestruction()
+{
+    if (m_bDestructionAnnounced)
+        return;
+    m_bDestructionAnnounced = true;
     // Transactions still open on this value must not touch it when they end.
     if (m_pTransaction)
         m_pTransaction->m_pValue = nullptr;

@@ -22,7 +22,10 @@ NumericValueBase::NumericValueBase(double value, double minimum, double maximum,
     m_fValue = m_fPending = std::isnan(value) ? fit(0.0) : fit(value);
 }
 
-NumericValueBase::~NumericValueBase() = default;
+NumericValueBase::~NumericValueBase()
+{
+    AnnounceDestruction();
+}
 
 double NumericValueBase::fit(double value) const
 {

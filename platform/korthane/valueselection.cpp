@@ -11,7 +11,10 @@ ValueSelection::ValueSelection(bool followNewest)
 {
 }
 
-ValueSelection::~ValueSelection() = default;
+ValueSelection::~ValueSelection()
+{
+    AnnounceDestruction();
+}
 
 SelectionItem* ValueSelection::GetCurrentItem()
 {

@@ -55,7 +55,10 @@ CSVector::ValueVector(Vector initial)
 {
 }
 
-CSVector::~ValueVector() = default;
+CSVector::~ValueVector()
+{
+    AnnounceDestruction();
+}
 
 bool CSVector::SetValue(const Vector& vector, IObserver* originator)
 {

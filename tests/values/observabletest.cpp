@@ -19,6 +19,9 @@ void* operator new(std::size_t size)
 void operator delete(void* p) noexcept { std::free(p); }
 void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
+using ValueMaker = std::function<values::ValueBase*()>;
+Q_DECLARE_METATYPE(ValueMaker)
+
 namespace {
 
 struct Call
@@ -221,6 +224,46 @@ private Q_SLOTS:
         QCOMPARE(names(log), (QStringList{QStringLiteral("leaver"), QStringLiteral("stayer"), QStringLiteral("stayer")}));
         QCOMPARE(log.at(2).code, ValueDestroyed);
         QVERIFY(!values::Tree::Instance()->Remove(QStringLiteral("/b")));
+    }
+
+    void destroyedWhileEveryViewIsWhole_data()
+    {
+        QTest::addColumn<ValueMaker>("make");
+        // Which views of the value must still answer when ValueDestroyed arrives.
+        QTest::addColumn<bool>("numeric");
+        QTest::addColumn<bool>("multi");
+        QTest::newRow("int numeric") << ValueMaker([] { return new values::IntNumeric(1, 0, 9, 1); }) << true << false;
+        QTest::newRow("double numeric") << ValueMaker([] { return new values::DoubleNumeric(1, 0, 9, 1); }) << true << false;
+        QTest::newRow("multi-selection") << ValueMaker([] { return new values::StringMultiSelection(0); }) << false << true;
+        QTest::newRow("selection") << ValueMaker([] { return new values::ValueSelection; }) << false << false;
+        QTest::newRow("string") << ValueMaker([] { return new values::StringValue; }) << false << false;
+        QTest::newRow("vector") << ValueMaker([] { return new values::CheckedStringVector; }) << false << false;
+    }
+    void destroyedWhileEveryViewIsWhole()
+    {
+        // A value deleted without leaving the tree: observers holding any view of it compare the
+        // source with that view when ValueDestroyed comes, so every view must still be whole then.
+        QFETCH(ValueMaker, make);
+        QFETCH(bool, numeric);
+        QFETCH(bool, multi);
+        QVector<Call> log;
+        Recorder observer(QStringLiteral("o"), &log);
+        values::ValueBase* value = make();
+        value->Attach(&observer);
+        bool sawNumeric = false, sawMulti = false, sawBase = false;
+        observer.onUpdate = [&](Observable* source, TChangeCode code) {
+            if (code != ValueDestroyed)
+                return;
+            sawBase = dynamic_cast<values::ValueBase*>(source) == value;
+            sawNumeric = dynamic_cast<values::IValueNumeric*>(source) != nullptr;
+            sawMulti = dynamic_cast<values::IValueMultiSelection*>(source) != nullptr;
+        };
+        delete value;
+        QCOMPARE(log.size(), 1);
+        QCOMPARE(log.at(0).code, ValueDestroyed);
+        QVERIFY(sawBase);
+        QCOMPARE(sawNumeric, numeric);
+        QCOMPARE(sawMulti, multi);
     }
 
     void notifyAllocatesNothing()
