@@ -131,8 +131,12 @@ void stepNumber(VCButton* button, const QString& path, double delta)
     auto* number = dynamic_cast<values::IValueNumeric*>(values::Tree::Instance()->Find(path));
     if (!number)
         return;
+    // At an end of the range a step changes nothing, and must not leave an empty edit to undo.
+    const double target = qBound(number->GetMinimum(), number->GetValue() + delta, number->GetMaximum());
+    if (target == number->GetValue())
+        return;
     GuiUndoRecordingHelper span(button, QString());
-    number->SetValue(number->GetValue() + delta, nullptr);
+    number->SetValue(target, nullptr);
 }
 
 /**
