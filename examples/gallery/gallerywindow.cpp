@@ -1,10 +1,12 @@
 /*
  * The gallery window. Each family of controls has a page made by its own function,
- * `QWidget* make<Family>Page()`, added as a tab once in the constructor. A page creates its controls,
- * binds them inside bind() (so that they are bound again after "Restore instrument") and lays each one
- * out with addControlRow(grid, caption, control, readout(path, format)), or with addStackedControl()
- * for the caption above the control. The display above the pages and the value tree on the right need
- * no change for a new page.
+ * `QWidget* make<Family>Page()`, in a source file of its own (`<family>page.cpp`, listed in the
+ * CMakeLists.txt beside this file) and added as a tab once in the constructor. A page creates its
+ * controls, each with an object name that tests find it by, binds them inside bind() (so that they are
+ * bound again after "Restore instrument") and lays each one out with addControlRow(grid, caption,
+ * control, readout(path, format)), or with addStackedControl() for the caption above the control;
+ * hint() makes the grey note at the top of a page and numberIn() formats a readout. The display above
+ * the pages and the value tree on the right need no change for a new page.
  */
 #include "gallerywindow.h"
 
@@ -31,19 +33,6 @@
 
 namespace {
 
-/// A number of the value with its unit, \a scale applied, with a true minus sign.
-ValueReadout::Formatter numberIn(const QString& unit, int decimals = 0, double scale = 1.0)
-{
-    return [=](values::ValueBase& value) {
-        auto* numeric = dynamic_cast<values::IValueNumeric*>(&value);
-        if (!numeric)
-            return value.GetValueString();
-        QString text = QString::number(numeric->GetValue() * scale, 'f', decimals);
-        text.replace(QLatin1Char('-'), QChar(0x2212));
-        return unit.isEmpty() ? text : text + QLatin1Char(' ') + unit;
-    };
-}
-
 /// Greys a caption out together with its control.
 class EnabledFollower : public QObject
 {
@@ -67,16 +56,6 @@ protected:
 private:
     QWidget* m_pFollower;
 };
-
-QLabel* hint(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setWordWrap(true);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, QColor(0x6b, 0x74, 0x7d));
-    label->setPalette(palette);
-    return label;
-}
 
 void bindNumber(VCSlider* slider, const QString& path)
 {
@@ -115,6 +94,8 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages->setObjectName(QStringLiteral("pages"));
     m_pPages->setDocumentMode(true);
     m_pPages->addTab(makeSliderPage(), tr("Sliders and scroll bars"));
+    m_pPages->addTab(makeButtonPage(), tr("Buttons and undo"));
+    m_pPages->addTab(makePositionPage(), tr("Station and bandwidth"));
     leftLayout->addWidget(m_pPages, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
@@ -140,6 +121,28 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
 }
 
 GalleryWindow::~GalleryWindow() = default;
+
+QLabel* GalleryWindow::hint(const QString& text, QWidget* parent)
+{
+    auto* label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, QColor(0x6b, 0x74, 0x7d));
+    label->setPalette(palette);
+    return label;
+}
+
+ValueReadout::Formatter GalleryWindow::numberIn(const QString& unit, int decimals, double scale)
+{
+    return [=](values::ValueBase& value) {
+        auto* numeric = dynamic_cast<values::IValueNumeric*>(&value);
+        if (!numeric)
+            return value.GetValueString();
+        QString text = QString::number(numeric->GetValue() * scale, 'f', decimals);
+        text.replace(QLatin1Char('-'), QChar(0x2212));
+        return unit.isEmpty() ? text : text + QLatin1Char(' ') + unit;
+    };
+}
 
 ValueTreeModel* GalleryWindow::valueTreeModel() const
 {

@@ -40,6 +40,8 @@ public Q_SLOTS:
 private:
     QWidget* makeDisplay();
     QWidget* makeSliderPage();
+    QWidget* makeButtonPage();
+    QWidget* makePositionPage();
     QWidget* makeValueTreePane();
     void makeActions();
     void makeStatusBar();
@@ -54,6 +56,11 @@ private:
     void addStackedControl(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout);
 
     void followInstrument();
+
+    /// A grey, word-wrapped note for the top of a page or pane.
+    static QLabel* hint(const QString& text, QWidget* parent);
+    /// A number of the value with its unit, \a scale applied, with a true minus sign.
+    static ValueReadout::Formatter numberIn(const QString& unit, int decimals = 0, double scale = 1.0);
 
     Instrument* m_pInstrument;
     ValueTreeView* m_pTree = nullptr;

@@ -27,11 +27,29 @@ values::ValueSelection* makeSelection(std::initializer_list<const char*> names)
     return selection;
 }
 
+// The filters of the receiver, in kHz; the item numbers are the widths, so a width can be selected by number.
+const double kBandwidthsKHz[] = {0.5, 1.8, 2.4, 3.0, 6.0, 9.0, 15.0};
+constexpr long kDefaultBandwidthKey = 4; // 6 kHz, the filter of AM, the mode the receiver starts in
+
+values::ValueSelection* makeBandwidths()
+{
+    auto* selection = new values::ValueSelection;
+    long key = 0;
+    for (double kHz : kBandwidthsKHz) {
+        selection->AddItem(QStringLiteral("%1 kHz").arg(kHz, 0, 'f', 1), kHz, key, nullptr);
+        ++key;
+    }
+    selection->SelectKey(kDefaultBandwidthKey, nullptr);
+    return selection;
+}
+
 const std::vector<ValueRecipe>& recipes()
 {
     // Kept in path order, so that paths() needs no sorting.
     static const std::vector<ValueRecipe> list = {
+        {"/receiver/agc", [] { return makeSelection({"Slow", "Fast"}); }},
         {"/receiver/attenuator", [] { return new values::BoolValue(false); }},
+        {"/receiver/bandwidth", makeBandwidths},
         {"/receiver/carrier", [] { return new values::BoolValue(false); }},
         {"/receiver/frequency", [] { return new values::DoubleNumeric(7000.0, 100.0, 30000.0, 1.0); }},
         {"/receiver/gain", [] { return new values::IntNumeric(30, 0, 60, 1); }},
@@ -53,7 +71,12 @@ const std::vector<ValueRecipe>& recipes()
         {"/receiver/scan/position", [] { return new values::IntNumeric(0, 0, 100, 1); }},
         {"/receiver/scan/speed", [] { return new values::IntNumeric(2, 1, 10, 1); }},
         {"/receiver/scan/to", [] { return new values::DoubleNumeric(7300.0, 100.0, 30000.0, 1.0); }},
+        // The receiving site and a reference transmitter, in degrees (WGS 84).
+        {"/receiver/site/latitude", [] { return new values::DoubleNumeric(59.8586, -90.0, 90.0); }},
+        {"/receiver/site/longitude", [] { return new values::DoubleNumeric(17.6389, -180.0, 180.0); }},
         {"/receiver/squelch", [] { return new values::IntNumeric(-95, -130, -30, 1); }},
+        {"/receiver/transmitter/latitude", [] { return new values::DoubleNumeric(57.1089, -90.0, 90.0); }},
+        {"/receiver/transmitter/longitude", [] { return new values::DoubleNumeric(12.3961, -180.0, 180.0); }},
         {"/receiver/volume", [] { return new values::IntNumeric(40, 0, 100, 1); }},
     };
     return list;
@@ -82,11 +105,18 @@ T* find(const char* path)
     return dynamic_cast<T*>(values::Tree::Instance()->Find(QString::fromLatin1(path)));
 }
 
-// Bandwidth of the receiver's filter in each mode, in kHz, in the order of /receiver/mode's items.
-double bandwidthKHz(long modeIndex)
+// The filter a mode switches to, as a key of /receiver/bandwidth, by the keys of /receiver/mode's items:
+// AM 6 kHz, FM 15 kHz, USB and LSB 2.4 kHz, CW 0.5 kHz.
+long bandwidthKeyOfMode(long modeKey)
 {
-    static const double widths[] = {6.0, 12.0, 2.7, 2.7, 0.8};
-    return modeIndex >= 0 && modeIndex < 5 ? widths[modeIndex] : 6.0;
+    static const long keys[] = {4, 6, 2, 2, 0};
+    return modeKey >= 0 && modeKey < 5 ? keys[modeKey] : kDefaultBandwidthKey;
+}
+
+double bandwidthKHz(values::ValueSelection* bandwidth)
+{
+    const values::SelectionItem* item = bandwidth ? bandwidth->GetCurrentItem() : nullptr;
+    return item ? item->GetValue() : kBandwidthsKHz[kDefaultBandwidthKey];
 }
 
 bool optionChecked(values::StringMultiSelection* options, int key)
@@ -132,7 +162,7 @@ void Instrument::setSeed(quint32 seed)
     m_nSteps = 0;
     m_nHoldSteps = 0;
     m_bSkipping = false;
-    rememberPositions();
+    rememberDial();
 }
 
 void Instrument::start()
@@ -145,12 +175,14 @@ void Instrument::stop()
     m_timer.stop();
 }
 
-void Instrument::rememberPositions()
+void Instrument::rememberDial()
 {
     auto* position = find<values::IntNumeric>("/receiver/scan/position");
     auto* frequency = find<values::DoubleNumeric>("/receiver/frequency");
+    auto* mode = find<values::ValueSelection>("/receiver/mode");
     m_fLastPosition = position ? position->GetValue() : -1;
     m_fLastFrequency = frequency ? frequency->GetValue() : -1;
+    m_nLastMode = mode ? mode->GetCurrentKey() : -1;
 }
 
 double Instrument::gaussian()
@@ -163,8 +195,7 @@ double Instrument::gaussian()
 
 double Instrument::signalLevel(double frequencyKHz, double t)
 {
-    auto* mode = find<values::ValueSelection>("/receiver/mode");
-    const double bandwidth = bandwidthKHz(mode ? mode->GetCurrentIndex() : 0);
+    const double bandwidth = bandwidthKHz(find<values::ValueSelection>("/receiver/bandwidth"));
 
     const double noise = -121.0 + 1.5 * gaussian();
     double power = std::pow(10.0, noise / 10.0);
@@ -218,6 +249,13 @@ void Instrument::step()
             position->SetValue(qRound((f - bandFrom) / span * 100.0), nullptr);
     }
 
+    // A new mode brings its filter, as on a real set; the user may pick another one afterwards.
+    auto* mode = find<values::ValueSelection>("/receiver/mode");
+    if (mode && mode->GetCurrentKey() != m_nLastMode && mode->GetCurrentKey() >= 0) {
+        if (auto* bandwidth = find<values::ValueSelection>("/receiver/bandwidth"))
+            bandwidth->SelectKey(bandwidthKeyOfMode(mode->GetCurrentKey()), nullptr);
+    }
+
     const bool scanning = active && active->GetValue() && position;
     if (!scanning) {
         m_nHoldSteps = 0;
@@ -254,7 +292,7 @@ void Instrument::step()
         m_bSkipping = m_nHoldSteps == 0;
     }
 
-    rememberPositions();
+    rememberDial();
     Q_EMIT stepped(m_nSteps);
 }
 
@@ -274,8 +312,8 @@ int Instrument::restore()
         else
             delete value;
     }
-    // A re-created position or frequency is not the user turning the dial.
-    rememberPositions();
+    // A re-created position, frequency or mode is not the user turning the dial.
+    rememberDial();
     Q_EMIT restored(recreated);
     return recreated;
 }

@@ -24,10 +24,14 @@ class ValueBase;
  * Values (frequencies in kHz):
  *   frequency (double 100..30000), gain (int dB 0..60), volume (int % 0..100),
  *   squelch (int dBm -130..-30), level (double dBm -130..0, whole dB), carrier (bool, level >= squelch),
- *   attenuator (bool, -20 dB), mode (selection AM FM USB LSB CW, sets the bandwidth), notes (text),
- *   options (multi-selection: noise blanker, notch, preamp +10 dB),
+ *   attenuator (bool, -20 dB), agc (selection Slow Fast), notes (text),
+ *   mode (selection AM FM USB LSB CW; the next step after a change selects the mode's bandwidth),
+ *   bandwidth (selection 0.5 1.8 2.4 3.0 6.0 9.0 15.0 kHz, item numbers in kHz; how far off-tune a
+ *   station is heard), options (multi-selection: noise blanker, notch, preamp +10 dB),
  *   scan/active (bool), scan/position (int % 0..100 of the scan band), scan/speed (int 1..10 per step),
- *   scan/hold (int s 0..10 on a carrier), scan/from and scan/to (double, the scan band).
+ *   scan/hold (int s 0..10 on a carrier), scan/from and scan/to (double, the scan band),
+ *   site/latitude, site/longitude (double degrees, the receiving site),
+ *   transmitter/latitude, transmitter/longitude (double degrees, a reference transmitter).
  */
 class Instrument : public QObject
 {
@@ -71,7 +75,7 @@ Q_SIGNALS:
     void restored(int recreated);
 
 private:
-    void rememberPositions();
+    void rememberDial();
     double signalLevel(double frequencyKHz, double t);
     double gaussian();
 
@@ -82,6 +86,7 @@ private:
     // What the instrument last wrote, to tell the user's turning of the dial from its own.
     double m_fLastPosition = -1;
     double m_fLastFrequency = -1;
+    long m_nLastMode = -1;
     int m_nHoldSteps = 0;      // steps left to stay on a carrier found by the scan
     bool m_bSkipping = false;  // the scan has let go of a carrier and ignores it until it is gone
 };

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QPixmap>
+#include <QTabWidget>
 #include <QTimer>
 
 #include <cstdio>
@@ -25,6 +26,20 @@ bool hasArgument(int argc, char** argv, const char* name)
             return true;
     }
     return false;
+}
+
+/// The tab that \a key names, by its number from 1 or by the beginning of its title; -1 for none.
+int pageIndex(const QTabWidget* pages, const QString& key)
+{
+    bool isNumber = false;
+    const int number = key.toInt(&isNumber);
+    if (isNumber)
+        return number >= 1 && number <= pages->count() ? number - 1 : -1;
+    for (int i = 0; i < pages->count(); ++i) {
+        if (!key.isEmpty() && pages->tabText(i).remove(QLatin1Char('&')).startsWith(key, Qt::CaseInsensitive))
+            return i;
+    }
+    return -1;
 }
 
 } // namespace
@@ -49,8 +64,13 @@ int main(int argc, char** argv)
     const QCommandLineOption seedOption(QStringLiteral("seed"),
                                         QStringLiteral("Seed the simulation with <n> for a reproducible run."),
                                         QStringLiteral("n"));
+    const QCommandLineOption pageOption(QStringLiteral("page"),
+                                        QStringLiteral("Open on page <page>: its number (1 is the first tab) or the "
+                                                       "beginning of its title, such as \"Buttons\"."),
+                                        QStringLiteral("page"));
     parser.addOption(screenshotOption);
     parser.addOption(seedOption);
+    parser.addOption(pageOption);
     parser.process(app);
 
     const QString screenshot = parser.value(screenshotOption);
@@ -75,6 +95,16 @@ int main(int argc, char** argv)
     }
 
     GalleryWindow window(&instrument);
+    if (parser.isSet(pageOption)) {
+        const int page = pageIndex(window.pages(), parser.value(pageOption));
+        if (page < 0) {
+            std::fprintf(stderr, "vandrel-gallery: no page '%s'; the pages are:\n", qPrintable(parser.value(pageOption)));
+            for (int i = 0; i < window.pages()->count(); ++i)
+                std::fprintf(stderr, "  %d  %s\n", i + 1, qPrintable(window.pages()->tabText(i)));
+            return 2;
+        }
+        window.pages()->setCurrentIndex(page);
+    }
 
     if (!takeScreenshot) {
         instrument.start();

@@ -3,15 +3,24 @@
 #include "valuereadout.h"
 #include "valuetreeview.h"
 
+#include <plinthor/plinthorapp.h>
 #include <vandrel/vandrel.h>
 
 #include <QSet>
 #include <QSignalSpy>
+#include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionButton>
+#include <QStyleOptionSpinBox>
 #include <QStyleOptionViewItem>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <QWheelEvent>
 
 namespace {
 
@@ -46,6 +55,62 @@ QStringList runInstrument(quint32 seed, int steps)
     return trace;
 }
 
+/// Opens the tab titled \a title, shows the window and waits until it is on screen.
+bool showPage(GalleryWindow& window, const QString& title)
+{
+    QTabWidget* pages = window.pages();
+    for (int i = 0; i < pages->count(); ++i) {
+        if (pages->tabText(i) == title)
+            pages->setCurrentIndex(i);
+    }
+    window.show();
+    return pages->tabText(pages->currentIndex()) == title && QTest::qWaitForWindowExposed(&window);
+}
+
+/// A left click on the box itself: a wide check box takes clicks only on its indicator and text.
+void clickBox(QCheckBox* box)
+{
+    QStyleOptionButton option;
+    option.initFrom(box);
+    const QRect indicator = box->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box);
+    QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, indicator.center());
+}
+
+/// A left click on one arrow of a spin box.
+void clickArrow(QSpinBox* box, QStyle::SubControl arrow)
+{
+    QStyleOptionSpinBox option;
+    option.initFrom(box);
+    option.subControls = QStyle::SC_SpinBoxUp | QStyle::SC_SpinBoxDown | QStyle::SC_SpinBoxFrame;
+    option.stepEnabled = QAbstractSpinBox::StepUpEnabled | QAbstractSpinBox::StepDownEnabled;
+    const QRect rect = box->style()->subControlRect(QStyle::CC_SpinBox, &option, arrow, box);
+    QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, rect.center());
+}
+
+/// Right-clicks \a edit and picks \a format from its context menu.
+bool pickFormat(QLineEdit* edit, const QString& format)
+{
+    const QPoint pos = edit->rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, pos, edit->mapToGlobal(pos));
+    QApplication::sendEvent(edit, &event);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu)
+        return false;
+    for (QAction* action : menu->actions()) {
+        if (action->text() == format) {
+            QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier, menu->actionGeometry(action).center());
+            return true;
+        }
+    }
+    menu->close();
+    return false;
+}
+
+QImage pictureOf(const QAbstractButton* button)
+{
+    return button->icon().pixmap(button->iconSize()).toImage();
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void()>)
@@ -55,6 +120,8 @@ class GalleryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup();
+
     void instrumentOwnsItsBranch();
     void instrumentIsReproducible();
     void turningTheDialStopsTheScan();
@@ -76,7 +143,22 @@ private Q_SLOTS:
 
     void windowBindsWithoutChangingValues();
     void windowFollowsStatesAndRestore();
+
+    void undoTakesBackClicksOneByOne();
+    void optionBoxesCheckTheirItemOnly_data();
+    void optionBoxesCheckTheirItemOnly();
+    void itemButtonsCycleWithTheirPictures();
+    void stepButtonsRepeatWhileHeld();
+    void coordinateFieldsShareTheFormat();
+    void bandwidthSpinBoxSteps();
 };
+
+void GalleryTest::cleanup()
+{
+    // The undo history and the position format outlive a window; each test starts without them.
+    values::UndoRecorder::Instance().Clear();
+    Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
+}
 
 void GalleryTest::instrumentOwnsItsBranch()
 {
@@ -623,6 +705,297 @@ void GalleryTest::windowFollowsStatesAndRestore()
     QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7100"));
     QCOMPARE(frequencyReadout->text(), QStringLiteral("7.100 MHz"));
     QCOMPARE(cell(*model, QStringLiteral("/receiver/frequency"), ValueTreeModel::ValueColumn), QStringLiteral("7100"));
+}
+
+void GalleryTest::undoTakesBackClicksOneByOne()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
+    auto* attenuator = window.findChild<VCCheckBox*>(QStringLiteral("attenuatorCheckBox"));
+    auto* mode = window.findChild<VCButton*>(QStringLiteral("modeButton"));
+    auto* louder = window.findChild<VCButton*>(QStringLiteral("volumeUpButton"));
+    auto* preamp = window.findChild<VCCheckBox*>(QStringLiteral("preampCheckBox"));
+    auto* undo = window.findChild<VCButton*>(QStringLiteral("undo_button"));
+    auto* history = window.findChild<QLabel*>(QStringLiteral("undoHistory"));
+    QVERIFY(attenuator && mode && louder && preamp && undo && history);
+    QVERIFY(!undo->isEnabled());
+    QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
+
+    clickBox(attenuator);
+    QTest::mouseClick(mode, Qt::LeftButton);
+    QTest::mouseClick(louder, Qt::LeftButton);
+    QTest::mouseClick(louder, Qt::LeftButton);
+    clickBox(preamp);
+    // An edit by the program is no edit of the user's and stays when the user's are undone.
+    find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("12"), nullptr);
+
+    struct Stage
+    {
+        QString attenuator, mode, volume, options;
+    };
+    const QList<Stage> stages = {
+        {"true", "FM", "42", "Preamp"}, {"true", "FM", "42", "none"}, {"true", "FM", "41", "none"},
+        {"true", "FM", "40", "none"},   {"true", "AM", "40", "none"}, {"false", "AM", "40", "none"},
+    };
+    for (int i = 0; i < stages.size(); ++i) {
+        const Stage& stage = stages.at(i);
+        QCOMPARE(textOf(QStringLiteral("/receiver/attenuator")), stage.attenuator);
+        QCOMPARE(textOf(QStringLiteral("/receiver/mode")), stage.mode);
+        QCOMPARE(textOf(QStringLiteral("/receiver/volume")), stage.volume);
+        QCOMPARE(textOf(QStringLiteral("/receiver/options")), stage.options);
+        QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("12"));
+        // The controls show what the undo brought back.
+        QCOMPARE(attenuator->isChecked(), stage.attenuator == QLatin1String("true"));
+        QCOMPARE(mode->text(), stage.mode);
+        QCOMPARE(preamp->isChecked(), stage.options == QLatin1String("Preamp"));
+        const int left = stages.size() - 1 - i;
+        QCOMPARE(history->text().split(QLatin1Char('\n')).size(), left ? left : 1);
+        QCOMPARE(undo->isEnabled(), left > 0);
+        if (left)
+            QTest::mouseClick(undo, Qt::LeftButton);
+    }
+    QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
+    // Undoing left nothing to undo, and the undo button's own choices were never recorded.
+    QCOMPARE(values::UndoRecorder::Instance().Count(), 0);
+
+    // The list names the newest edit first, as the framework describes it.
+    clickBox(attenuator);
+    QTest::mouseClick(louder, Qt::LeftButton);
+    QCOMPARE(history->text(), QStringLiteral("/receiver/volume: 40 → 41\n/receiver/attenuator: false → true"));
+}
+
+void GalleryTest::optionBoxesCheckTheirItemOnly_data()
+{
+    QTest::addColumn<QString>("box");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("noise blanker") << "noiseBlankerCheckBox" << 1 << "Noise blanker";
+    QTest::newRow("notch") << "notchCheckBox" << 2 << "Notch";
+    QTest::newRow("preamp") << "preampCheckBox" << 3 << "Preamp";
+}
+
+void GalleryTest::optionBoxesCheckTheirItemOnly()
+{
+    QFETCH(QString, box);
+    QFETCH(int, key);
+    QFETCH(QString, name);
+
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
+    auto* check = window.findChild<VCCheckBox*>(box);
+    auto* options = dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options")));
+    QVERIFY(check && options);
+    QVERIFY(check->isEnabled());
+    QVERIFY(!check->isChecked());
+
+    clickBox(check);
+    for (int other = 1; other <= 3; ++other)
+        QCOMPARE(options->IsItemChecked(other), other == key);
+    QCOMPARE(textOf(QStringLiteral("/receiver/options")), name);
+
+    // Another item checked elsewhere leaves this box alone; its own item unchecked elsewhere clears it.
+    const int neighbour = key % 3 + 1;
+    options->SetItemChecked(neighbour, true, nullptr);
+    QVERIFY(check->isChecked());
+    options->SetItemChecked(key, false, nullptr);
+    QVERIFY(!check->isChecked());
+    QVERIFY(options->IsItemChecked(neighbour));
+
+    // A disabled options value disables every box of it.
+    options->SetState(Disabled, nullptr);
+    QVERIFY(!check->isEnabled());
+    clickBox(check);
+    QVERIFY(!options->IsItemChecked(key));
+}
+
+void GalleryTest::itemButtonsCycleWithTheirPictures()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
+    auto* mode = window.findChild<VCButton*>(QStringLiteral("modeButton"));
+    auto* modeReadout = window.findChild<ValueReadout*>(QStringLiteral("readout:/receiver/mode"));
+    QVERIFY(mode && modeReadout);
+
+    // One click, the next mode with a picture of its own, around and back to the first.
+    const QStringList names = {"AM", "FM", "USB", "LSB", "CW", "AM"};
+    QList<QImage> pictures;
+    for (int i = 0; i < names.size(); ++i) {
+        if (i)
+            QTest::mouseClick(mode, Qt::LeftButton);
+        QCOMPARE(textOf(QStringLiteral("/receiver/mode")), names.at(i));
+        QCOMPARE(mode->text(), names.at(i));
+        QCOMPARE(modeReadout->text(), names.at(i));
+        QVERIFY(!mode->isDown());
+        pictures << pictureOf(mode);
+        QVERIFY(!pictures.last().isNull());
+    }
+    for (int i = 0; i < 5; ++i) {
+        for (int j = i + 1; j < 5; ++j)
+            QVERIFY2(pictures.at(i) != pictures.at(j), qPrintable(names.at(i) + QLatin1Char('/') + names.at(j)));
+    }
+    QCOMPARE(pictures.last(), pictures.first());
+    // A mode set elsewhere shows as well.
+    find(QStringLiteral("/receiver/mode"))->SetValueFromText(QStringLiteral("LSB"), nullptr);
+    QCOMPARE(mode->text(), QStringLiteral("LSB"));
+    QCOMPARE(pictureOf(mode), pictures.at(3));
+
+    // The two-item AGC button is a toggle, down while Fast, and the check box on the same selection
+    // follows it both ways.
+    auto* agc = window.findChild<VCButton*>(QStringLiteral("agcButton"));
+    auto* fast = window.findChild<VCCheckBox*>(QStringLiteral("agcFastCheckBox"));
+    QVERIFY(agc && fast);
+    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Slow"));
+    QVERIFY(!agc->isDown());
+    QVERIFY(!fast->isChecked());
+    const QImage slow = pictureOf(agc);
+    QTest::mouseClick(agc, Qt::LeftButton);
+    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Fast"));
+    QVERIFY(agc->isDown());
+    QVERIFY(pictureOf(agc) != slow);
+    QVERIFY(fast->isChecked());
+    clickBox(fast);
+    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Slow"));
+    QVERIFY(!agc->isDown());
+    QCOMPARE(pictureOf(agc), slow);
+}
+
+void GalleryTest::stepButtonsRepeatWhileHeld()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
+    auto* louder = window.findChild<VCButton*>(QStringLiteral("volumeUpButton"));
+    auto* softer = window.findChild<VCButton*>(QStringLiteral("volumeDownButton"));
+    auto* tuneUp = window.findChild<VCButton*>(QStringLiteral("tuneUpButton"));
+    QVERIFY(louder && softer && tuneUp);
+    auto volume = [] { return textOf(QStringLiteral("/receiver/volume")).toInt(); };
+
+    QTest::mouseClick(softer, Qt::LeftButton);
+    QCOMPARE(volume(), 39);
+    QTest::mouseClick(tuneUp, Qt::LeftButton);
+    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7001"));
+
+    // Held, the button goes on stepping after its delay, and stops with the release.
+    QTest::mousePress(louder, Qt::LeftButton);
+    QCOMPARE(volume(), 39);
+    QTRY_VERIFY_WITH_TIMEOUT(volume() >= 42, 3000);
+    QTest::mouseRelease(louder, Qt::LeftButton);
+    const int released = volume();
+    QTest::qWait(300);
+    QCOMPARE(volume(), released);
+
+    // The top of the range holds, with nothing to undo for the click that changed nothing.
+    find(QStringLiteral("/receiver/volume"))->SetValueFromText(QStringLiteral("100"), nullptr);
+    const int recorded = values::UndoRecorder::Instance().Count();
+    QTest::mouseClick(louder, Qt::LeftButton);
+    QCOMPARE(volume(), 100);
+    QCOMPARE(values::UndoRecorder::Instance().Count(), recorded);
+
+    // The buttons take the state of the number they step, and leave a removed one alone.
+    QVERIFY(window.valueTreeModel()->switchState(window.valueTreeModel()->rowOfPath(QStringLiteral("/receiver/volume")),
+                                                 Disabled));
+    QVERIFY(!louder->isEnabled());
+    QVERIFY(!softer->isEnabled());
+    QVERIFY(tuneUp->isEnabled());
+    QVERIFY(window.valueTreeModel()->switchState(window.valueTreeModel()->rowOfPath(QStringLiteral("/receiver/volume")),
+                                                 Removed));
+    window.restoreInstrument();
+    QVERIFY(louder->isEnabled());
+    QTest::mouseClick(louder, Qt::LeftButton);
+    QCOMPARE(volume(), 41);
+}
+
+void GalleryTest::coordinateFieldsShareTheFormat()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Station and bandwidth")));
+    auto* site = window.findChild<VCCoordEdit*>(QStringLiteral("siteCoordEdit"));
+    auto* transmitter = window.findChild<VCCoordEdit*>(QStringLiteral("transmitterCoordEdit"));
+    auto* format = window.findChild<ValueReadout*>(QStringLiteral("readout:") + Plinthor::PositionFormatPath());
+    QVERIFY(site && transmitter && format);
+    QCOMPARE(site->GetLatitude(), 59.8586);
+    QCOMPARE(transmitter->GetLongitude(), 12.3961);
+    QCOMPARE(format->text(), QStringLiteral("Decimal degrees"));
+    const QString siteDecimal = site->text();
+    const QString transmitterDecimal = transmitter->text();
+    QVERIFY(siteDecimal.contains(QStringLiteral("59.8586")));
+
+    // A format picked in one field shows in both, and in the application's selection.
+    QVERIFY(pickFormat(site, QStringLiteral("UTM")));
+    QCOMPARE(site->getFormat(), Utm);
+    QCOMPARE(transmitter->getFormat(), Utm);
+    QCOMPARE(Plinthor::Instance().GetPositionFormat()->GetCurrentKey(), long(Utm));
+    QCOMPARE(format->text(), QStringLiteral("UTM"));
+    QVERIFY(site->text().startsWith(QStringLiteral("33V")));
+    QVERIFY(transmitter->text().startsWith(QStringLiteral("33V")));
+    // Only the text changed: the positions are the values' as before.
+    QCOMPARE(textOf(QStringLiteral("/receiver/site/latitude")), QStringLiteral("59.8586"));
+
+    QVERIFY(pickFormat(transmitter, QStringLiteral("Decimal degrees")));
+    QCOMPARE(site->getFormat(), GeoDecimal);
+    QCOMPARE(site->text(), siteDecimal);
+    QCOMPARE(transmitter->text(), transmitterDecimal);
+
+    // A position typed into one field goes to its values only.
+    site->setFocus();
+    site->selectAll();
+    QTest::keyClicks(site, QStringLiteral("59.33 18.07"));
+    QTest::keyClick(site, Qt::Key_Return);
+    QCOMPARE(textOf(QStringLiteral("/receiver/site/latitude")), QStringLiteral("59.33"));
+    QCOMPARE(textOf(QStringLiteral("/receiver/site/longitude")), QStringLiteral("18.07"));
+    QCOMPARE(transmitter->text(), transmitterDecimal);
+
+    // After a removal and restore the field is bound to the re-created value.
+    QVERIFY(values::Tree::Instance()->Remove(QStringLiteral("/receiver/site/latitude")));
+    window.restoreInstrument();
+    QCOMPARE(site->GetLatitude(), 59.8586);
+    find(QStringLiteral("/receiver/site/latitude"))->SetValueFromText(QStringLiteral("58.41"), nullptr);
+    QCOMPARE(site->GetLatitude(), 58.41);
+}
+
+void GalleryTest::bandwidthSpinBoxSteps()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showPage(window, QStringLiteral("Station and bandwidth")));
+    auto* box = window.findChild<VCSpinSelectionBox*>(QStringLiteral("bandwidthSpinBox"));
+    QVERIFY(box);
+    QVERIFY(box->isEnabled());
+    QCOMPARE(box->minimum(), 0);
+    QCOMPARE(box->maximum(), 6);
+    QCOMPARE(box->text(), QStringLiteral("6.0 kHz"));
+
+    box->setFocus();
+    QTest::keyClick(box, Qt::Key_Up);
+    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("9.0 kHz"));
+    clickArrow(box, QStyle::SC_SpinBoxDown);
+    clickArrow(box, QStyle::SC_SpinBoxDown);
+    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("3.0 kHz"));
+    QCOMPARE(box->text(), QStringLiteral("3.0 kHz"));
+    const QPoint centre = box->rect().center();
+    QWheelEvent wheel(centre, box->mapToGlobal(centre), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(box, &wheel);
+    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("6.0 kHz"));
+    // The ends hold.
+    QTest::keyClick(box, Qt::Key_PageDown);
+    QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
+    QTest::keyClick(box, Qt::Key_Down);
+    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("0.5 kHz"));
+
+    // A new mode brings its filter with the next step of the receiver; the box follows.
+    find(QStringLiteral("/receiver/mode"))->SetValueFromText(QStringLiteral("USB"), nullptr);
+    QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
+    instrument.step();
+    QCOMPARE(box->text(), QStringLiteral("2.4 kHz"));
+    // Within a mode the user's filter stays.
+    QTest::keyClick(box, Qt::Key_Up);
+    instrument.step();
+    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("3.0 kHz"));
 }
 
 QTEST_MAIN(GalleryTest)

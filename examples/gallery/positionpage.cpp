@@ -1,0 +1,85 @@
+/*
+ * The page of the station: two coordinate fields on the receiving site and a reference transmitter,
+ * which share the application's position format, and the receiver's filter stepped through its list.
+ */
+#include "gallerywindow.h"
+
+#include <plinthor/plinthorapp.h>
+#include <vandrel/vandrel.h>
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QVBoxLayout>
+
+QWidget* GalleryWindow::makePositionPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(2, 10, 2, 2);
+    layout->setSpacing(10);
+    layout->addWidget(hint(tr("Positions are typed in the format shown and taken with Return. Right-click a position "
+                              "for another format: both fields show it, since they share the application's "
+                              "position format."),
+                           page));
+
+    auto* station = new QGroupBox(tr("Station position"), page);
+    auto* stationGrid = new QGridLayout(station);
+    stationGrid->setColumnStretch(1, 1);
+    stationGrid->setHorizontalSpacing(12);
+    struct Position
+    {
+        QString caption;
+        const char* name;
+        QString branch;
+        QString toolTip;
+    };
+    const Position positions[] = {
+        {tr("Receiving site"), "siteCoordEdit", QStringLiteral("/receiver/site"), tr("Where the receiver stands")},
+        {tr("Reference transmitter"), "transmitterCoordEdit", QStringLiteral("/receiver/transmitter"),
+         tr("A transmitter of known position, for bearings and propagation")},
+    };
+    for (const Position& p : positions) {
+        auto* edit = new VCCoordEdit(station, p.name);
+        edit->setToolTip(p.toolTip);
+        const QString branch = p.branch;
+        bind([edit, branch] {
+            edit->SetLatitude_ValuePath(branch + QStringLiteral("/latitude"));
+            edit->SetLongitude_ValuePath(branch + QStringLiteral("/longitude"));
+        });
+        addControlRow(stationGrid, p.caption, edit, nullptr);
+    }
+    // The format is no value of the receiver: it belongs to the application, and every coordinate
+    // field follows it unless told otherwise.
+    ValueReadout* format = readout(Plinthor::PositionFormatPath());
+    format->setToolTip(tr("The application's position format, %1").arg(Plinthor::PositionFormatPath()));
+    addControlRow(stationGrid, tr("Format"), format, nullptr);
+    layout->addWidget(station);
+
+    auto* filter = new QGroupBox(tr("Bandwidth"), page);
+    auto* filterGrid = new QGridLayout(filter);
+    filterGrid->setColumnStretch(1, 1);
+    filterGrid->setHorizontalSpacing(12);
+    auto* bandwidth = new VCSpinSelectionBox(filter, "bandwidthSpinBox");
+    bandwidth->setToolTip(tr("The receiver's filter: the arrows, the keys Up and Down and the wheel step through "
+                             "the filters. A new mode brings its own."));
+    bandwidth->setOrderOfMagnitudeVSValues(L'k');
+    bandwidth->setMinimumWidth(bandwidth->fontMetrics().horizontalAdvance(QStringLiteral("15.0 kHz")) + 48);
+    bandwidth->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    bind([bandwidth] { bandwidth->SetValueSelection_ValuePath(QStringLiteral("/receiver/bandwidth")); });
+    addControlRow(filterGrid, tr("Filter"), bandwidth, readout(QStringLiteral("/receiver/bandwidth")));
+    // Aligned, the narrow box leaves its cell's width to the layout instead of pushing the column.
+    filterGrid->itemAtPosition(filterGrid->rowCount() - 1, 1)->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    addControlRow(filterGrid, tr("Mode"), readout(QStringLiteral("/receiver/mode")), nullptr);
+    // How far off-tune a station still comes through: watch the level while stepping.
+    addControlRow(filterGrid, tr("Level"), readout(QStringLiteral("/receiver/level"), numberIn(QStringLiteral("dBm"))),
+                  nullptr);
+    layout->addWidget(filter);
+    layout->addStretch(1);
+    // One column of controls through both boxes: the filter's captions as wide as the longest here.
+    int captions = 0;
+    for (const Position& p : positions)
+        captions = qMax(captions, page->fontMetrics().horizontalAdvance(p.caption));
+    filterGrid->setColumnMinimumWidth(0, captions);
+    return page;
+}
