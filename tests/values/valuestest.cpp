@@ -90,16 +90,22 @@ private Q_SLOTS:
         paths.reserve(count);
         for (int i = 0; i < count; ++i)
             paths << QStringLiteral("/big/group%1/value%2").arg(i / 100).arg(i % 100);
+        // The best of several runs, so that a busy machine taking the processor away for a moment
+        // doesn't count as the cost of a lookup.
         const auto timeFinds = [&paths] {
-            QElapsedTimer timer;
-            timer.start();
-            qint64 sum = 0;
-            for (int round = 0; round < 20; ++round) {
+            qint64 best = std::numeric_limits<qint64>::max();
+            for (int run = 0; run < 7; ++run) {
+                QElapsedTimer timer;
+                timer.start();
+                qint64 sum = 0;
                 for (int i = 0; i < 1000; ++i)
                     sum += static_cast<values::IntValue*>(tree().Find(paths.at(i)))->GetValue();
+                const qint64 ns = timer.nsecsElapsed();
+                if (sum != qint64(999) * 1000 / 2)
+                    return qint64(-1); // a lookup found the wrong value
+                best = qMin(best, ns);
             }
-            const qint64 ns = timer.nsecsElapsed();
-            return sum == qint64(20) * 999 * 1000 / 2 ? ns : qint64(-1); // -1: a lookup found the wrong value
+            return best;
         };
         for (int i = 0; i < 1000; ++i)
             QVERIFY(tree().Add(paths.at(i), new values::IntValue(i)));
@@ -110,7 +116,7 @@ private Q_SLOTS:
         QCOMPARE(tree().Count(), count);
         const qint64 big = timeFinds();
         QVERIFY(big >= 0);
-        QVERIFY2(big < 10 * small + 5000000, qPrintable(QStringLiteral("%1 ns vs %2 ns").arg(big).arg(small)));
+        QVERIFY2(big < 10 * small + 1000000, qPrintable(QStringLiteral("%1 ns vs %2 ns").arg(big).arg(small)));
         QVERIFY(!tree().Find(QStringLiteral("/big/group1/value100")));
         QCOMPARE(static_cast<values::IntValue*>(tree().Find(paths.last()))->GetValue(), count - 1);
     }
