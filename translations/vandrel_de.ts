@@ -4,31 +4,59 @@
 <context>
     <name>VCLineEdit</name>
     <message>
-        <source>Value out of range</source>
-        <translation>Wert außerhalb des Bereichs</translation>
+        <source>Input Error</source>
+        <translation>Eingabefehler</translation>
     </message>
     <message>
-        <source>Invalid input</source>
-        <translation>Ungültige Eingabe</translation>
+        <source>Input exceeds maximum, value set to %1.
+Allowed range from %2 to %3.</source>
+        <translation>Eingabe überschreitet das Maximum, Wert auf %1 gesetzt.
+Zulässiger Bereich von %2 bis %3.</translation>
+    </message>
+    <message>
+        <source>Range Check Error</source>
+        <translation>Bereichsfehler</translation>
+    </message>
+    <message>
+        <source>Input underruns minimum, value set to %1.
+Allowed range from %2 to %3.</source>
+        <translation>Eingabe unterschreitet das Minimum, Wert auf %1 gesetzt.
+Zulässiger Bereich von %2 bis %3.</translation>
     </message>
 </context>
 <context>
     <name>VCScrollButtons</name>
     <message>
-        <source>Up</source>
-        <translation>Auf</translation>
+        <source>Move Left</source>
+        <translation>Nach links</translation>
     </message>
     <message>
-        <source>Down</source>
-        <translation>Ab</translation>
+        <source>Move Page Left</source>
+        <translation>Seite nach links</translation>
     </message>
     <message>
-        <source>Left</source>
-        <translation>Links</translation>
+        <source>Move Page Right</source>
+        <translation>Seite nach rechts</translation>
     </message>
     <message>
-        <source>Right</source>
-        <translation>Rechts</translation>
+        <source>Move Right</source>
+        <translation>Nach rechts</translation>
+    </message>
+    <message>
+        <source>Move Up</source>
+        <translation>Nach oben</translation>
+    </message>
+    <message>
+        <source>Move Page Up</source>
+        <translation>Seite nach oben</translation>
+    </message>
+    <message>
+        <source>Move Page Down</source>
+        <translation>Seite nach unten</translation>
+    </message>
+    <message>
+        <source>Move Down</source>
+        <translation>Nach unten</translation>
     </message>
 </context>
 <context>

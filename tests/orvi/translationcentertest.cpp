@@ -270,7 +270,7 @@ void TranslationCenterTest::libraryCatalog()
     QTranslator translator;
     QVERIFY(translator.load(catalog));
     QCOMPARE(translator.translate("VCUndo", "Undo"), QStringLiteral("Rückgängig"));
-    QCOMPARE(translator.translate("VCLineEdit", "Value out of range"), QStringLiteral("Wert außerhalb des Bereichs"));
+    QCOMPARE(translator.translate("VCLineEdit", "Range Check Error"), QStringLiteral("Bereichsfehler"));
     // Installed into the application, the catalog serves the classes' own tr() as well.
     QCOMPARE(QCoreApplication::translate("VCUndo", "Undo"), QStringLiteral("Undo"));
     center().InstallCatalog(QStringLiteral("Vandrel"));
