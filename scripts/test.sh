@@ -15,7 +15,7 @@ bash scripts/deps.sh
 jobs=$(nproc)
 if [ $sanitize -eq 1 ]; then
     build=build-asan
-    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Debug -DVANDREL_WERROR=ON -DVANDREL_BUILD_GALLERY=OFF \
+    cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Debug -DVANDREL_WERROR=ON \
         -DECM_ENABLE_SANITIZERS='address;undefined' \
         -DCMAKE_CXX_FLAGS="-fno-sanitize-recover=undefined -fno-omit-frame-pointer -O1" >/dev/null
     # Full stacks on malloc so that the suppressions can see which library allocated.
