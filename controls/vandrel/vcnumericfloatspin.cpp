@@ -27,7 +27,6 @@ VCNumericFloatSpin::VCNumericFloatSpin(QWidget* parent, const char* name, bool o
     , m_bDirtyByUser(false)
     , m_bShowsPending(false)
     , m_bStepDisabled(false)
-    , m_pNumericObservable(nullptr)
 {
     const QString strName = QString::fromUtf8(name);
     setObjectName(strName);
@@ -86,7 +85,6 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos) const
 bool VCNumericFloatSpin::SetNumeric_ValuePath(const QString& path)
 {
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, m_pNumericValue, this);
-    m_pNumericObservable = ObservableOf(m_pNumericValue);
     if (m_pNumericValue)
         SyncObserver(m_pNumericValue, this);
     // The first picture of a value is not a change.
@@ -113,7 +111,6 @@ bool VCNumericFloatSpin::SetNumericValue(values::IValueNumeric* value)
 {
     DetachValue(m_pNumericValue, this);
     m_pNumericValue = value;
-    m_pNumericObservable = ObservableOf(m_pNumericValue);
     if (!m_pNumericValue) {
         SetDirty(false);
         return false;
@@ -321,23 +318,18 @@ void VCNumericFloatSpin::SlotEditingFinished()
 
 void VCNumericFloatSpin::Update(Observable* source, TChangeCode code)
 {
-    // The source is compared with the Observable kept at binding, not cast from the value anew: a value
-    // being destroyed sends ValueDestroyed when its numeric part is already gone.
-    if (code == StateChanged && source == m_pNumericObservable) {
+    if (code == StateChanged && source == ObservableOf(m_pNumericValue)) {
         ApplyValueState(m_pNumericValue, this);
-        if (!m_pNumericValue)
-            m_pNumericObservable = nullptr;
         return;
     }
 
     m_bDirty = true;
 
-    if (!m_pNumericValue || source != m_pNumericObservable)
+    if (!m_pNumericValue || source != ObservableOf(m_pNumericValue))
         return;
     if (code == ValueDestroyed) {
         // Deleted without leaving the tree first: forget it, with no Detach.
-        m_pNumericValue = nullptr;
-        m_pNumericObservable = nullptr;
+        ForgetDestroyedValue(m_pNumericValue, source);
         return;
     }
     if (m_bIgnoreValueUpdates)

@@ -157,5 +157,4 @@ private:
     bool m_bDirtyByUser;
     bool m_bShowsPending;
     bool m_bStepDisabled;
-    Observable* m_pNumericObservable; // the bound value's Observable part, null while unbound
 };
