@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QRegExp>
 #include <QRegExpValidator>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <cmath>
@@ -323,9 +324,14 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
 
     bool shown = false;
     if (m_pTextValue && source == ObservableOf(m_pTextValue)) {
-        // Shown, not written back: the text value notifies every write, so two fields on one value
-        // would echo each other's writes without end.
-        QLineEdit::setText(m_pTextValue->GetValue());
+        if (m_bFollowingValue) {
+            // The echo of another field on this value: show it, don't answer, or two fields would
+            // write to each other without end (a text value notifies every write).
+            QLineEdit::setText(m_pTextValue->GetValue());
+        } else {
+            const QScopedValueRollback<bool> following(m_bFollowingValue, true);
+            SetText(m_pTextValue->GetValue());
+        }
         shown = true;
     }
     if (m_pNumericValue && source == ObservableOf(m_pNumericValue)) {

@@ -179,4 +179,5 @@ private:
     QString m_strStyleEdited;
     bool m_bDirty;
     QString m_strName;
+    bool m_bFollowingValue = false; // showing a text value's change, so an echo of it is not answered
 };

@@ -32,7 +32,7 @@ void VCTextEdit::Initialize(const QString& name)
     setMinimumHeight(60);
     setFixedWidth(260);
     setSizePolicy(QSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed));
-    connect(this, SIGNAL(signalTextFinallyChanged(const QString&)), this, SLOT(slotSetTextFromControl(const QString&)));
+    connect(this, SIGNAL(signalTextFinallyChanged(QString)), this, SLOT(slotSetTextFromControl(QString)));
     setEnabled(false);
     installEventFilter(this);
     // Mouse events land on the viewport, not on the frame: the double click must be caught there.
@@ -94,7 +94,7 @@ bool VCTextEdit::eventFilter(QObject* watched, QEvent* event)
     }
 }
 
-void VCTextEdit::slotSetTextFromControl(const QString& text)
+void VCTextEdit::slotSetTextFromControl(QString text)
 {
     m_bWritingValue = true;
     if (m_pTextValue)

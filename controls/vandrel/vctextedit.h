@@ -54,7 +54,7 @@ public:
 
 Q_SIGNALS:
     /// The text as the user left it, on losing the focus and on destruction; written to the value.
-    void signalTextFinallyChanged(const QString& text);
+    void signalTextFinallyChanged(QString text);
 
 protected:
     /**
@@ -68,7 +68,7 @@ protected:
 
 protected Q_SLOTS:
     /// Writes \a text to the bound value with the field as originator; nothing while unbound.
-    void slotSetTextFromControl(const QString& text);
+    void slotSetTextFromControl(QString text);
 
 private:
     bool m_bWritingValue;
