@@ -167,6 +167,12 @@ QWidget* GalleryWindow::makeEntryPage()
         grid->setVerticalSpacing(4);
         return grid;
     };
+    // The slider page has readouts of the same values; these have names of their own.
+    auto entryReadout = [this](const char* name, const QString& path, ValueReadout::Formatter format) {
+        ValueReadout* label = readout(path, std::move(format));
+        label->setObjectName(QString::fromLatin1(name));
+        return label;
+    };
     // Controls keep their own width and stand at the left of their column.
     auto alignLast = [](QGridLayout* grid) {
         grid->itemAtPosition(grid->rowCount() - 1, 1)->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -187,7 +193,7 @@ QWidget* GalleryWindow::makeEntryPage()
         hertz->bind(QStringLiteral("/receiver/frequency"));
         frequency->SetValueBase(hertz->hertz());
     });
-    addControlRow(typedGrid, tr("Frequency"), frequency, readout(QStringLiteral("/receiver/frequency"), kiloHertz));
+    addControlRow(typedGrid, tr("Frequency"), frequency, entryReadout("frequencyEntryReadout", QStringLiteral("/receiver/frequency"), kiloHertz));
     alignLast(typedGrid);
     note(typedGrid, tr("Writes on Return or focus loss; out of range, warns and clamps."));
 
@@ -197,7 +203,7 @@ QWidget* GalleryWindow::makeEntryPage()
     squelch->SetFormat(3, 0, QStringLiteral("dBm"), QString(), 1.0);
     squelch->setFixedWidth(frequency->width());
     bind([squelch] { squelch->SetText_ValuePath(QStringLiteral("/receiver/squelch")); });
-    addControlRow(typedGrid, tr("Squelch"), squelch, readout(QStringLiteral("/receiver/squelch"), numberIn(QStringLiteral("dBm"))));
+    addControlRow(typedGrid, tr("Squelch"), squelch, entryReadout("squelchEntryReadout", QStringLiteral("/receiver/squelch"), numberIn(QStringLiteral("dBm"))));
     alignLast(typedGrid);
     note(typedGrid, tr("Writes on Return or focus loss; the unit may be left out."));
     layout->addWidget(typed);
@@ -209,7 +215,7 @@ QWidget* GalleryWindow::makeEntryPage()
     gain->setSuffix(QStringLiteral("dB"));
     gain->setToolTip(tr("Receiver gain: arrows, Up and Down, Page Up and Page Down or the wheel"));
     bind([gain] { gain->SetNumericInt_ValuePath(QStringLiteral("/receiver/gain")); });
-    addControlRow(steppedGrid, tr("Gain"), gain, readout(QStringLiteral("/receiver/gain"), numberIn(QStringLiteral("dB"))));
+    addControlRow(steppedGrid, tr("Gain"), gain, entryReadout("gainEntryReadout", QStringLiteral("/receiver/gain"), numberIn(QStringLiteral("dB"))));
     alignLast(steppedGrid);
     note(steppedGrid, tr("Steps write 200 ms after the last one, as one undoable edit."));
 
@@ -232,7 +238,7 @@ QWidget* GalleryWindow::makeEntryPage()
         volume->SetNumeric_ValuePath(QStringLiteral("/receiver/volume"));
         arrows->Set_ValuePath(QStringLiteral("/receiver/volume"));
     });
-    addControlRow(steppedGrid, tr("Volume"), strip, readout(QStringLiteral("/receiver/volume"), numberIn(QStringLiteral("%"))));
+    addControlRow(steppedGrid, tr("Volume"), strip, entryReadout("volumeEntryReadout", QStringLiteral("/receiver/volume"), numberIn(QStringLiteral("%"))));
     alignLast(steppedGrid);
     note(steppedGrid, tr("Each click writes at once: 1 % a line, 10 % a page; held, it repeats."));
     layout->addWidget(stepped);
@@ -244,7 +250,7 @@ QWidget* GalleryWindow::makeEntryPage()
     notes->setToolTip(tr("Notes of the watch"));
     notes->setFixedHeight(72);
     bind([notes] { notes->SetText_ValuePath(QStringLiteral("/receiver/notes")); });
-    ValueReadout* notesReadout = readout(QStringLiteral("/receiver/notes"));
+    ValueReadout* notesReadout = entryReadout("notesEntryReadout", QStringLiteral("/receiver/notes"), {});
     addControlRow(textGrid, tr("Notes"), notes, notesReadout);
     alignLast(textGrid);
     // Notes are text, not numbers: read from the top, wrapped in the readout column.
