@@ -124,7 +124,8 @@ protected:
     bool eventFilter(QObject*, QEvent* event) override
     {
         if (event->type() == QEvent::FocusIn) {
-            auto* active = dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active")));
+            values::ValueBase* found = values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active"));
+            auto* active = dynamic_cast<values::BoolValue*>(found);
             if (active && active->GetValue())
                 active->SetValue(false, nullptr);
         }
@@ -193,7 +194,8 @@ QWidget* GalleryWindow::makeEntryPage()
         hertz->bind(QStringLiteral("/receiver/frequency"));
         frequency->SetValueBase(hertz->hertz());
     });
-    addControlRow(typedGrid, tr("Frequency"), frequency, entryReadout("frequencyEntryReadout", QStringLiteral("/receiver/frequency"), kiloHertz));
+    addControlRow(typedGrid, tr("Frequency"), frequency,
+                  entryReadout("frequencyEntryReadout", QStringLiteral("/receiver/frequency"), kiloHertz));
     alignLast(typedGrid);
     note(typedGrid, tr("Writes on Return or focus loss; out of range, warns and clamps."));
 
@@ -203,7 +205,8 @@ QWidget* GalleryWindow::makeEntryPage()
     squelch->SetFormat(3, 0, QStringLiteral("dBm"), QString(), 1.0);
     squelch->setFixedWidth(frequency->width());
     bind([squelch] { squelch->SetText_ValuePath(QStringLiteral("/receiver/squelch")); });
-    addControlRow(typedGrid, tr("Squelch"), squelch, entryReadout("squelchEntryReadout", QStringLiteral("/receiver/squelch"), numberIn(QStringLiteral("dBm"))));
+    addControlRow(typedGrid, tr("Squelch"), squelch,
+                  entryReadout("squelchEntryReadout", QStringLiteral("/receiver/squelch"), numberIn(QStringLiteral("dBm"))));
     alignLast(typedGrid);
     note(typedGrid, tr("Writes on Return or focus loss; the unit may be left out."));
     layout->addWidget(typed);
@@ -215,7 +218,8 @@ QWidget* GalleryWindow::makeEntryPage()
     gain->setSuffix(QStringLiteral("dB"));
     gain->setToolTip(tr("Receiver gain: arrows, Up and Down, Page Up and Page Down or the wheel"));
     bind([gain] { gain->SetNumericInt_ValuePath(QStringLiteral("/receiver/gain")); });
-    addControlRow(steppedGrid, tr("Gain"), gain, entryReadout("gainEntryReadout", QStringLiteral("/receiver/gain"), numberIn(QStringLiteral("dB"))));
+    addControlRow(steppedGrid, tr("Gain"), gain,
+                  entryReadout("gainEntryReadout", QStringLiteral("/receiver/gain"), numberIn(QStringLiteral("dB"))));
     alignLast(steppedGrid);
     note(steppedGrid, tr("Steps write 200 ms after the last one, as one undoable edit."));
 
@@ -238,7 +242,8 @@ QWidget* GalleryWindow::makeEntryPage()
         volume->SetNumeric_ValuePath(QStringLiteral("/receiver/volume"));
         arrows->Set_ValuePath(QStringLiteral("/receiver/volume"));
     });
-    addControlRow(steppedGrid, tr("Volume"), strip, entryReadout("volumeEntryReadout", QStringLiteral("/receiver/volume"), numberIn(QStringLiteral("%"))));
+    addControlRow(steppedGrid, tr("Volume"), strip,
+                  entryReadout("volumeEntryReadout", QStringLiteral("/receiver/volume"), numberIn(QStringLiteral("%"))));
     alignLast(steppedGrid);
     note(steppedGrid, tr("Each click writes at once: 1 % a line, 10 % a page; held, it repeats."));
     layout->addWidget(stepped);
