@@ -61,8 +61,12 @@ public:
     void Update(Observable* source, TChangeCode code) override
     {
         if (source == ObservableOf(&m_hertz)) {
-            if (code == ValueChanged && m_pKiloHertz)
+            if (code == ValueChanged && m_pKiloHertz) {
                 m_pKiloHertz->SetValue(m_hertz.GetValue() / 1000.0, this);
+                // As the writer this view hears nothing back: show what the frequency kept.
+                if (m_pKiloHertz)
+                    copyValue();
+            }
             return;
         }
         if (!m_pKiloHertz || source != ObservableOf(m_pKiloHertz))

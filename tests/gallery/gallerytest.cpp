@@ -1057,6 +1057,8 @@ void GalleryTest::typedFieldsWriteAndClamp_data()
     const QString f = QStringLiteral("frequency");
     QTest::newRow("MHz") << f << "7.2" << 7200.0 << "7.200 MHz" << "7200 kHz" << "";
     QTest::newRow("MHz, comma and unit") << f << "14,25 MHz" << 14250.0 << "14.250 MHz" << "14250 kHz" << "";
+    // The frequency keeps whole kHz, and the field shows what it kept.
+    QTest::newRow("Hz dropped") << f << "7.2343" << 7234.0 << "7.234 MHz" << "7234 kHz" << "";
     QTest::newRow("kHz typed") << f << "7150k" << 7150.0 << "7.150 MHz" << "7150 kHz" << "";
     QTest::newRow("above") << f << "35" << 30000.0 << "30 MHz" << "30000 kHz"
                            << "Input Error|Input exceeds maximum, value set to 30 MHz.\n"
