@@ -96,6 +96,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages->addTab(makeSliderPage(), tr("Sliders and scroll bars"));
     m_pPages->addTab(makeButtonPage(), tr("Buttons and undo"));
     m_pPages->addTab(makePositionPage(), tr("Station and bandwidth"));
+    m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
     leftLayout->addWidget(m_pPages, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);

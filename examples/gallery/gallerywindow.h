@@ -42,6 +42,7 @@ private:
     QWidget* makeSliderPage();
     QWidget* makeButtonPage();
     QWidget* makePositionPage();
+    QWidget* makeEntryPage();
     QWidget* makeValueTreePane();
     void makeActions();
     void makeStatusBar();

@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
 #include <QStyleOptionButton>
@@ -20,6 +21,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QWheelEvent>
 
 namespace {
@@ -111,6 +113,44 @@ QImage pictureOf(const QAbstractButton* button)
     return button->icon().pixmap(button->iconSize()).toImage();
 }
 
+/// showPage(), and the window made active, so that fields take the keyboard focus.
+bool showActivePage(GalleryWindow& window, const QString& title)
+{
+    if (!showPage(window, title))
+        return false;
+    QApplication::setActiveWindow(&window);
+    return QTest::qWaitForWindowActive(&window);
+}
+
+double numberOf(const QString& path)
+{
+    auto* number = dynamic_cast<values::IValueNumeric*>(find(path));
+    return number ? number->GetValue() : qQNaN();
+}
+
+/// Closes the next message box with its Ok button and keeps "title|text"; made before the input that raises it.
+class BoxCloser
+{
+public:
+    BoxCloser() { arm(); }
+    QString said;
+
+private:
+    void arm()
+    {
+        QTimer::singleShot(5, &m_context, [this] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                said = box->windowTitle() + QLatin1Char('|') + box->text();
+                QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+            } else if (++m_nTries < 400) {
+                arm();
+            }
+        });
+    }
+    QObject m_context; // ends the polling with the closer
+    int m_nTries = 0;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(std::function<void()>)
@@ -151,6 +191,13 @@ private Q_SLOTS:
     void stepButtonsRepeatWhileHeld();
     void coordinateFieldsShareTheFormat();
     void bandwidthSpinBoxSteps();
+
+    void typedFieldsWriteAndClamp_data();
+    void typedFieldsWriteAndClamp();
+    void frequencyFieldFollowsStateAndRestore();
+    void gainSpinBoxCommitsAfterTheSteps();
+    void arrowButtonsStepTheVolume();
+    void notesAreWrittenOnFocusLoss();
 };
 
 void GalleryTest::cleanup()
@@ -996,6 +1043,184 @@ void GalleryTest::bandwidthSpinBoxSteps()
     QTest::keyClick(box, Qt::Key_Up);
     instrument.step();
     QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("3.0 kHz"));
+}
+
+void GalleryTest::typedFieldsWriteAndClamp_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<double>("written");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("readout");
+    QTest::addColumn<QString>("box");
+
+    const QString f = QStringLiteral("frequency");
+    QTest::newRow("MHz") << f << "7.2" << 7200.0 << "7.200 MHz" << "7200 kHz" << "";
+    QTest::newRow("MHz, comma and unit") << f << "14,25 MHz" << 14250.0 << "14.250 MHz" << "14250 kHz" << "";
+    // The frequency keeps whole kHz, and the field shows what it kept.
+    QTest::newRow("Hz dropped") << f << "7.2343" << 7234.0 << "7.234 MHz" << "7234 kHz" << "";
+    QTest::newRow("kHz typed") << f << "7150k" << 7150.0 << "7.150 MHz" << "7150 kHz" << "";
+    QTest::newRow("above") << f << "35" << 30000.0 << "30 MHz" << "30000 kHz"
+                           << "Input Error|Input exceeds maximum, value set to 30 MHz.\n"
+                              "Allowed range from 100 kHz to 30 MHz.";
+    QTest::newRow("below") << f << "0.05" << 100.0 << "0.100 MHz" << "100 kHz"
+                           << "Range Check Error|Input underruns minimum, value set to 100 kHz.\n"
+                              "Allowed range from 100 kHz to 30 MHz.";
+
+    const QString s = QStringLiteral("squelch");
+    QTest::newRow("dBm with unit") << s << "-100 dBm" << -100.0 << "-100 dBm" << "\u2212100 dBm" << "";
+    // In range the text stays as typed: the field is the writer, so no answer of the value redraws it.
+    QTest::newRow("dBm bare") << s << "-87" << -87.0 << "-87" << "\u221287 dBm" << "";
+    QTest::newRow("dBm above") << s << "-20" << -30.0 << "-30 dBm" << "\u221230 dBm"
+                               << "Input Error|Input exceeds maximum, value set to -30.\nAllowed range from -130 to -30.";
+}
+
+void GalleryTest::typedFieldsWriteAndClamp()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, typed);
+    QFETCH(double, written);
+    QFETCH(QString, shown);
+    QFETCH(QString, readout);
+    QFETCH(QString, box);
+    const bool isFrequency = field == QLatin1String("frequency");
+    const QString path = isFrequency ? QStringLiteral("/receiver/frequency") : QStringLiteral("/receiver/squelch");
+
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
+    auto* edit = window.findChild<VCLineEdit*>(field + QStringLiteral("LineEdit"));
+    auto* label = window.findChild<ValueReadout*>(field + QStringLiteral("EntryReadout"));
+    QVERIFY(edit && label);
+    QVERIFY(edit->isEnabled());
+    QCOMPARE(edit->text(), isFrequency ? QStringLiteral("7 MHz") : QStringLiteral("-95 dBm"));
+
+    edit->setFocus();
+    // The dial holds still while a frequency is typed, as it would on a receiver.
+    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QString::fromLatin1(isFrequency ? "false" : "true"));
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(edit, typed);
+    BoxCloser closer;
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(closer.said, box);
+    QCOMPARE(numberOf(path), written);
+    QCOMPARE(edit->text(), shown);
+    QCOMPARE(label->text(), readout);
+}
+
+void GalleryTest::frequencyFieldFollowsStateAndRestore()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
+    ValueTreeModel* model = window.valueTreeModel();
+    auto* edit = window.findChild<VCLineEdit*>(QStringLiteral("frequencyLineEdit"));
+    QVERIFY(edit);
+    const QString path = QStringLiteral("/receiver/frequency");
+
+    // The instrument's writes show in MHz; the value's state reaches the field.
+    dynamic_cast<values::IValueNumeric*>(find(path))->SetValue(7305, nullptr);
+    QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
+    QVERIFY(model->switchState(model->rowOfPath(path), Disabled));
+    QVERIFY(!edit->isEnabled());
+
+    // Removed, the field lets go and keeps its text; restored, it edits the re-created frequency.
+    QVERIFY(model->switchState(model->rowOfPath(path), Removed));
+    QVERIFY(!edit->GetValuePtr());
+    QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
+    window.restoreInstrument();
+    QVERIFY(edit->GetValuePtr());
+    QVERIFY(edit->isEnabled());
+    QCOMPARE(edit->text(), QStringLiteral("7 MHz"));
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(edit, QStringLiteral("9.4"));
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(numberOf(path), 9400.0);
+}
+
+void GalleryTest::gainSpinBoxCommitsAfterTheSteps()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
+    auto* gain = window.findChild<VCNumericFloatSpin*>(QStringLiteral("gainSpinBox"));
+    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("gainEntryReadout"));
+    QVERIFY(gain && readout);
+    QVERIFY(gain->isEnabled());
+    QCOMPARE(gain->text(), QStringLiteral("30 dB"));
+
+    // A burst of steps shows at once, and reaches the value as one edit when it is over.
+    gain->setFocus();
+    QTest::keyClick(gain, Qt::Key_Up);
+    QTest::keyClick(gain, Qt::Key_Up);
+    QTest::keyClick(gain, Qt::Key_Up);
+    QCOMPARE(gain->text(), QStringLiteral("33 dB"));
+    QCOMPARE(numberOf(QStringLiteral("/receiver/gain")), 30.0);
+    QCOMPARE(readout->text(), QStringLiteral("30 dB"));
+    QTRY_COMPARE(numberOf(QStringLiteral("/receiver/gain")), 33.0);
+    QCOMPARE(readout->text(), QStringLiteral("33 dB"));
+    QCOMPARE(values::UndoRecorder::Instance().Count(), 1);
+}
+
+void GalleryTest::arrowButtonsStepTheVolume()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
+    auto* arrows = window.findChild<VCScrollButtons*>(QStringLiteral("volumeScrollButtons"));
+    auto* slider = window.findChild<VCSlider*>(QStringLiteral("volumeStripSlider"));
+    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("volumeEntryReadout"));
+    QVERIFY(arrows && slider && readout);
+    VCButton* const buttons[] = {arrows->GetMinusButton(), arrows->GetMinusPageButton(), arrows->GetPlusPageButton(),
+                                 arrows->GetPlusButton()};
+    for (VCButton* button : buttons)
+        QVERIFY(button && button->isVisible());
+
+    // The four buttons stand inside the strip, at its ends and clear of the slider between them.
+    QVERIFY(buttons[1]->geometry().right() < slider->geometry().left());
+    QVERIFY(buttons[2]->geometry().left() > slider->geometry().right());
+
+    struct Click
+    {
+        VCButton* button;
+        double volume;
+    };
+    const Click clicks[] = {{buttons[3], 41}, {buttons[2], 51}, {buttons[2], 61}, {buttons[1], 51}, {buttons[0], 50}};
+    for (const Click& click : clicks) {
+        QTest::mouseClick(click.button, Qt::LeftButton);
+        QCOMPARE(numberOf(QStringLiteral("/receiver/volume")), click.volume);
+        QCOMPARE(slider->value(), int(click.volume));
+        QCOMPARE(readout->text(), QString::number(click.volume) + QStringLiteral(" %"));
+    }
+}
+
+void GalleryTest::notesAreWrittenOnFocusLoss()
+{
+    Instrument instrument;
+    GalleryWindow window(&instrument);
+    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
+    auto* notes = window.findChild<VCTextEdit*>(QStringLiteral("notesTextEdit"));
+    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("notesEntryReadout"));
+    auto* squelch = window.findChild<VCLineEdit*>(QStringLiteral("squelchLineEdit"));
+    QVERIFY(notes && readout && squelch);
+    QVERIFY(notes->isEnabled());
+    QCOMPARE(notes->GetText(), QStringLiteral("40 m band watch"));
+
+    notes->setFocus();
+    notes->moveCursor(QTextCursor::End);
+    QTest::keyClicks(notes, QStringLiteral(", 7.2 MHz"));
+    QTest::keyClick(notes, Qt::Key_Return);
+    QTest::keyClicks(notes, QStringLiteral("quiet"));
+    // Typing alone writes nothing.
+    QCOMPARE(textOf(QStringLiteral("/receiver/notes")), QStringLiteral("40 m band watch"));
+    QCOMPARE(readout->text(), QStringLiteral("40 m band watch"));
+
+    squelch->setFocus();
+    QTRY_VERIFY(!notes->hasFocus());
+    const QString written = QStringLiteral("40 m band watch, 7.2 MHz\nquiet");
+    QCOMPARE(textOf(QStringLiteral("/receiver/notes")), written);
+    QCOMPARE(readout->text(), written);
 }
 
 QTEST_MAIN(GalleryTest)
