@@ -197,19 +197,13 @@ QWidget* row(std::initializer_list<QWidget*> widgets, QWidget* parent)
 
 QWidget* GalleryWindow::makeButtonPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2, 10, 2, 2);
-    layout->setSpacing(10);
-    layout->addWidget(hint(tr("A click switches or cycles a value. Every click here is an edit that the undo "
-                              "button takes back, newest first; the list under it shows what comes next."),
-                           page));
+    QVBoxLayout* layout = newPageLayout(tr("A click switches or cycles a value. Every click here is an edit that the undo "
+                                         "button takes back, newest first; the list under it shows what comes next."));
+    QWidget* page = layout->parentWidget();
 
     // Check boxes: booleans, a selection read as "is it Fast", and one box per item of the options.
     auto* switches = new QGroupBox(tr("Check boxes"), page);
-    auto* switchGrid = new QGridLayout(switches);
-    switchGrid->setColumnStretch(1, 1);
-    switchGrid->setHorizontalSpacing(12);
+    auto* switchGrid = newControlGrid(switches);
 
     auto* attenuator = new VCCheckBox(switches, "attenuatorCheckBox");
     attenuator->SetText(tr("−20 dB"));
@@ -262,9 +256,7 @@ QWidget* GalleryWindow::makeButtonPage()
 
     // Item buttons: one click, the next item, its picture.
     auto* buttons = new QGroupBox(tr("Buttons"), page);
-    auto* buttonGrid = new QGridLayout(buttons);
-    buttonGrid->setColumnStretch(1, 1);
-    buttonGrid->setHorizontalSpacing(12);
+    auto* buttonGrid = newControlGrid(buttons);
 
     auto* mode = new VCButton(buttons, QStringLiteral("modeButton"));
     mode->setToolTip(tr("Click for the next mode; the mode brings its filter"));

@@ -148,13 +148,9 @@ QString kiloHertz(values::ValueBase& value)
 
 QWidget* GalleryWindow::makeEntryPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2, 10, 2, 2);
-    layout->setSpacing(10);
-    layout->addWidget(hint(tr("Each field writes its value at its own moment, noted under it. The readouts on the "
-                              "right show what reached the value."),
-                           page));
+    QVBoxLayout* layout = newPageLayout(tr("Each field writes its value at its own moment, noted under it. The readouts on the "
+                                         "right show what reached the value."));
+    QWidget* page = layout->parentWidget();
 
     // A note under the last row's control, across the control and readout columns.
     auto note = [](QGridLayout* grid, const QString& text) {
@@ -166,9 +162,7 @@ QWidget* GalleryWindow::makeEntryPage()
         return label;
     };
     auto makeGrid = [](QGroupBox* box) {
-        auto* grid = new QGridLayout(box);
-        grid->setColumnStretch(1, 1);
-        grid->setHorizontalSpacing(12);
+        auto* grid = newControlGrid(box);
         grid->setVerticalSpacing(4);
         return grid;
     };

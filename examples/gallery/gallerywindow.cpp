@@ -83,7 +83,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     , m_pInstrument(instrument)
 {
     setWindowTitle(tr("Simulated receiver"));
-    resize(1280, 800);
+    resize(1480, 800);
 
     auto* left = new QWidget(this);
     auto* leftLayout = new QVBoxLayout(left);
@@ -93,9 +93,9 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages = new QTabWidget(left);
     m_pPages->setObjectName(QStringLiteral("pages"));
     m_pPages->setDocumentMode(true);
-    m_pPages->addTab(makeSliderPage(), tr("Sliders and scroll bars"));
+    m_pPages->addTab(makeSliderPage(), tr("Sliders"));
     m_pPages->addTab(makeButtonPage(), tr("Buttons and undo"));
-    m_pPages->addTab(makePositionPage(), tr("Station and bandwidth"));
+    m_pPages->addTab(makePositionPage(), tr("Station"));
     m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
     leftLayout->addWidget(m_pPages, 1);
 
@@ -104,7 +104,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     splitter->addWidget(makeValueTreePane());
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({640, 640});
+    splitter->setSizes({700, 780});
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
 
@@ -131,6 +131,24 @@ QLabel* GalleryWindow::hint(const QString& text, QWidget* parent)
     palette.setColor(QPalette::WindowText, QColor(0x6b, 0x74, 0x7d));
     label->setPalette(palette);
     return label;
+}
+
+QVBoxLayout* GalleryWindow::newPageLayout(const QString& hintText)
+{
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(2, 10, 2, 2);
+    layout->setSpacing(10);
+    layout->addWidget(hint(hintText, page));
+    return layout;
+}
+
+QGridLayout* GalleryWindow::newControlGrid(QGroupBox* box)
+{
+    auto* grid = new QGridLayout(box);
+    grid->setColumnStretch(1, 1);
+    grid->setHorizontalSpacing(12);
+    return grid;
 }
 
 ValueReadout::Formatter GalleryWindow::numberIn(const QString& unit, int decimals, double scale)
@@ -264,19 +282,13 @@ QWidget* GalleryWindow::makeDisplay()
 
 QWidget* GalleryWindow::makeSliderPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2, 10, 2, 2);
-    layout->setSpacing(10);
-    layout->addWidget(hint(tr("Every control here is bound to a value of the receiver. Drag one and watch its row "
-                              "glow in the value tree; disable or remove the value there and watch the control."),
-                           page));
+    QVBoxLayout* layout = newPageLayout(tr("Every control here is bound to a value of the receiver. Drag one and watch its row "
+                                         "glow in the value tree; disable or remove the value there and watch the control."));
+    QWidget* page = layout->parentWidget();
 
     // Tuning: scroll bars make good dials, with arrows for single steps.
     auto* tuning = new QGroupBox(tr("Tuning"), page);
-    auto* tuningGrid = new QGridLayout(tuning);
-    tuningGrid->setColumnStretch(1, 1);
-    tuningGrid->setHorizontalSpacing(12);
+    auto* tuningGrid = newControlGrid(tuning);
 
     auto* frequency = new VCScrollBar(tuning, "frequencyScrollBar");
     frequency->setOrientation(Qt::Horizontal);

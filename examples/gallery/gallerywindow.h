@@ -12,6 +12,8 @@ class ValueTreeModel;
 class ValueTreeView;
 class QAction;
 class QGridLayout;
+class QGroupBox;
+class QVBoxLayout;
 class QLabel;
 class QTabWidget;
 
@@ -60,6 +62,10 @@ private:
 
     /// A grey, word-wrapped note for the top of a page or pane.
     static QLabel* hint(const QString& text, QWidget* parent);
+    /// A new page with \a hintText on top; returns its column layout (the page is its parent widget).
+    static QVBoxLayout* newPageLayout(const QString& hintText);
+    /// The grid of a group of control rows in \a box: caption, control (stretching), readout.
+    static QGridLayout* newControlGrid(QGroupBox* box);
     /// A number of the value with its unit, \a scale applied, with a true minus sign.
     static ValueReadout::Formatter numberIn(const QString& unit, int decimals = 0, double scale = 1.0);
 

@@ -115,7 +115,7 @@ int main(int argc, char** argv)
     // Everything on the picture follows the count of steps, not the wall clock: the glow of the value
     // tree runs on simulated time too, so a seed gives the same picture every time.
     window.valueTreeModel()->setClock([&instrument] { return instrument.simulatedMs(); });
-    window.setFixedSize(1280, 800);
+    window.setFixedSize(1480, 800);
     window.show();
 
     int result = 0;

@@ -14,19 +14,13 @@
 
 QWidget* GalleryWindow::makePositionPage()
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2, 10, 2, 2);
-    layout->setSpacing(10);
-    layout->addWidget(hint(tr("Positions are typed in the format shown and taken with Return. Right-click a position "
-                              "for another format: both fields show it, since they share the application's "
-                              "position format."),
-                           page));
+    QVBoxLayout* layout = newPageLayout(tr("Positions are typed in the format shown and taken with Return. Right-click a position "
+                                         "for another format: both fields show it, since they share the application's "
+                                         "position format."));
+    QWidget* page = layout->parentWidget();
 
     auto* station = new QGroupBox(tr("Station position"), page);
-    auto* stationGrid = new QGridLayout(station);
-    stationGrid->setColumnStretch(1, 1);
-    stationGrid->setHorizontalSpacing(12);
+    auto* stationGrid = newControlGrid(station);
     struct Position
     {
         QString caption;
@@ -57,9 +51,7 @@ QWidget* GalleryWindow::makePositionPage()
     layout->addWidget(station);
 
     auto* filter = new QGroupBox(tr("Bandwidth"), page);
-    auto* filterGrid = new QGridLayout(filter);
-    filterGrid->setColumnStretch(1, 1);
-    filterGrid->setHorizontalSpacing(12);
+    auto* filterGrid = newControlGrid(filter);
     auto* bandwidth = new VCSpinSelectionBox(filter, "bandwidthSpinBox");
     bandwidth->setToolTip(tr("The receiver's filter: the arrows, the keys Up and Down and the wheel step through "
                              "the filters. A new mode brings its own."));

@@ -959,7 +959,7 @@ void GalleryTest::coordinateFieldsShareTheFormat()
 {
     Instrument instrument;
     GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Station and bandwidth")));
+    QVERIFY(showPage(window, QStringLiteral("Station")));
     auto* site = window.findChild<VCCoordEdit*>(QStringLiteral("siteCoordEdit"));
     auto* transmitter = window.findChild<VCCoordEdit*>(QStringLiteral("transmitterCoordEdit"));
     auto* format = window.findChild<ValueReadout*>(QStringLiteral("readout:") + Plinthor::PositionFormatPath());
@@ -1008,7 +1008,7 @@ void GalleryTest::bandwidthSpinBoxSteps()
 {
     Instrument instrument;
     GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Station and bandwidth")));
+    QVERIFY(showPage(window, QStringLiteral("Station")));
     auto* box = window.findChild<VCSpinSelectionBox*>(QStringLiteral("bandwidthSpinBox"));
     QVERIFY(box);
     QVERIFY(box->isEnabled());
