@@ -22,6 +22,13 @@ double dms(double degrees, double minutes, double seconds)
     return degrees + minutes / 60.0 + seconds / 3600.0;
 }
 
+// Published control points A to D (see referencePoints_data), and the position of the header's examples.
+const double latA = dms(67, 5, 26.452769), lonA = dms(21, 2, 5.101575);
+const double latB = dms(63, 32, 14.761735), lonB = dms(16, 14, 59.594626);
+const double latC = dms(60, 9, 33.882413), lonC = dms(14, 45, 28.167152);
+const double latD = dms(56, 21, 17.199245), lonD = dms(13, 52, 23.754022);
+const double latDoc = 59.330231, lonDoc = 18.059196;
+
 // Metres on the ground between two nearby positions (a local flat approximation is plenty here).
 double metresBetween(double lat1, double lon1, double lat2, double lon2)
 {
@@ -60,23 +67,6 @@ class CoordEditTest : public QObject
 {
     Q_OBJECT
 
-private:
-    /// The body of the tables with columns format, text, latitude, longitude and toleranceMetres.
-    void parsesNear()
-    {
-        QFETCH(int, format);
-        QFETCH(QString, text);
-        QFETCH(double, latitude);
-        QFETCH(double, longitude);
-        QFETCH(double, toleranceMetres);
-        double lat = 0;
-        double lon = 0;
-        QVERIFY(CoordText::Parse(text, CoordFormat(format), lat, lon));
-        const double off = metresBetween(lat, lon, latitude, longitude);
-        QVERIFY2(off < toleranceMetres,
-                 qPrintable(QStringLiteral("%1 %2 is %3 m off").arg(lat, 0, 'f', 9).arg(lon, 0, 'f', 9).arg(off)));
-    }
-
 private Q_SLOTS:
     void cleanup()
     {
@@ -85,17 +75,11 @@ private Q_SLOTS:
         values::Tree::Instance()->Clear();
     }
 
-    // Published coordinates of reference points, each formatted to the metre.
-    //
-    // Lantmäteriet, "Kontrollpunkter RT90 <-> SWEREF 99" (2006-05-03), points A to D: latitude and
-    // longitude in SWEREF 99, the same points in RT 90 2.5 gon V (direct projection) and in SWEREF 99 TM.
-    // UTM zone 33 is the same transverse Mercator as SWEREF 99 TM (on WGS 84 instead of GRS 80, a
-    // difference below a millimetre), so the SWEREF 99 TM figures of B, C and D, which lie between 12° E
-    // and 18° E, are also their UTM figures. A lies in zone 34 and has no UTM row.
-    // Lantmäteriet, "Kontrollpunkter för SWEREF 99 TM" (2007-11-20): rows "55 12.75", "67 24", "69 21".
-    // GeographicLib's GeoConvert manual (EXAMPLES, ZONE): 33.3 44.4 = 38n 444140.54 3684706.36, and
-    // 79.9S 6.1E = 32CMS4324728161.
-    // The "doc" rows are not published figures: they keep the header's example of each form true.
+    // Published coordinates, each formatted to the metre. A to D: Lantmäteriet, "Kontrollpunkter RT90 <->
+    // SWEREF 99" (2006-05-03), in SWEREF 99, RT 90 2.5 gon V and SWEREF 99 TM; B, C and D lie in UTM zone 33,
+    // the projection of SWEREF 99 TM (on WGS 84, a millimetre off), so those figures are their UTM ones too.
+    // "55 12.75", "67 24", "69 21": Lantmäteriet, "Kontrollpunkter för SWEREF 99 TM" (2007-11-20). Baghdad
+    // and Antarctic: GeographicLib's GeoConvert manual. The "doc" rows keep the header's examples true.
     void referencePoints_data()
     {
         QTest::addColumn<double>("latitude");
@@ -103,10 +87,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("format");
         QTest::addColumn<QString>("text");
 
-        const double latA = dms(67, 5, 26.452769), lonA = dms(21, 2, 5.101575);
-        const double latB = dms(63, 32, 14.761735), lonB = dms(16, 14, 59.594626);
-        const double latC = dms(60, 9, 33.882413), lonC = dms(14, 45, 28.167152);
-        const double latD = dms(56, 21, 17.199245), lonD = dms(13, 52, 23.754022);
         QTest::newRow("A RT90") << latA << lonA << int(RT90) << "X: 7453390 Y: 1727061";
         QTest::newRow("A SWEREF 99 TM") << latA << lonA << int(SweRef99) << "N: 7454205 E: 761811";
         QTest::newRow("B RT90") << latB << lonB << int(RT90) << "X: 7047738 Y: 1522129";
@@ -127,14 +107,13 @@ private Q_SLOTS:
         QTest::newRow("Baghdad MGRS") << 33.3 << 44.4 << int(UtmRef) << "38SMB4414084706";
         QTest::newRow("Antarctic MGRS") << -79.9 << 6.1 << int(UtmRef) << "32CMS4324728161";
         QTest::newRow("Antarctic west") << -79.9 << -6.1 << int(GeoDecimal) << "79.900000° S, 6.100000° W";
-        const double lat = 59.330231, lon = 18.059196;
-        QTest::newRow("doc GeoDecimal") << lat << lon << int(GeoDecimal) << "59.330231° N, 18.059196° E";
-        QTest::newRow("doc Geo") << lat << lon << int(Geo) << "59° 19' 48.83\" N, 18° 03' 33.11\" E";
-        QTest::newRow("doc GeoNoFrac") << lat << lon << int(GeoNoFrac) << "59° 19' 49\" N, 18° 03' 33\" E";
-        QTest::newRow("doc Utm") << lat << lon << int(Utm) << "34V 332700 6580519";
-        QTest::newRow("doc UtmRef") << lat << lon << int(UtmRef) << "34VCL3269980518";
-        QTest::newRow("doc RT90") << lat << lon << int(RT90) << "X: 6580994 Y: 1628294";
-        QTest::newRow("doc SweRef99") << lat << lon << int(SweRef99) << "N: 6580822 E: 674032";
+        QTest::newRow("doc GeoDecimal") << latDoc << lonDoc << int(GeoDecimal) << "59.330231° N, 18.059196° E";
+        QTest::newRow("doc Geo") << latDoc << lonDoc << int(Geo) << "59° 19' 48.83\" N, 18° 03' 33.11\" E";
+        QTest::newRow("doc GeoNoFrac") << latDoc << lonDoc << int(GeoNoFrac) << "59° 19' 49\" N, 18° 03' 33\" E";
+        QTest::newRow("doc Utm") << latDoc << lonDoc << int(Utm) << "34V 332700 6580519";
+        QTest::newRow("doc UtmRef") << latDoc << lonDoc << int(UtmRef) << "34VCL3269980518";
+        QTest::newRow("doc RT90") << latDoc << lonDoc << int(RT90) << "X: 6580994 Y: 1628294";
+        QTest::newRow("doc SweRef99") << latDoc << lonDoc << int(SweRef99) << "N: 6580822 E: 674032";
         QTest::newRow("doc UPS") << 85.0 << 30.0 << int(Utm) << "Z 2277729 1518960";
     }
     void referencePoints()
@@ -142,12 +121,12 @@ private Q_SLOTS:
         QFETCH(double, latitude);
         QFETCH(double, longitude);
         QFETCH(int, format);
-        QFETCH(QString, text);
-        QCOMPARE(CoordText::Format(latitude, longitude, CoordFormat(format)), text);
+        QTEST(CoordText::Format(latitude, longitude, CoordFormat(format)), "text");
     }
 
-    // The published grid figures to the millimetre read back to the published positions (same sources).
-    void referenceGridToPosition_data()
+    // Published grid figures to the millimetre read back to the published positions (same sources),
+    // then the other ways a user may type a position.
+    void parses_data()
     {
         QTest::addColumn<int>("format");
         QTest::addColumn<QString>("text");
@@ -155,18 +134,12 @@ private Q_SLOTS:
         QTest::addColumn<double>("longitude");
         QTest::addColumn<double>("toleranceMetres");
 
-        QTest::newRow("A RT90") << int(RT90) << "X: 7453389.762 Y: 1727060.905" << dms(67, 5, 26.452769)
-                                << dms(21, 2, 5.101575) << 0.002;
-        QTest::newRow("A SWEREF") << int(SweRef99) << "N: 7454204.638 E: 761811.242" << dms(67, 5, 26.452769)
-                                  << dms(21, 2, 5.101575) << 0.002;
-        QTest::newRow("B RT90") << int(RT90) << "X: 7047738.415 Y: 1522128.637" << dms(63, 32, 14.761735)
-                                << dms(16, 14, 59.594626) << 0.002;
-        QTest::newRow("C SWEREF") << int(SweRef99) << "N: 6669189.376 E: 486557.055" << dms(60, 9, 33.882413)
-                                  << dms(14, 45, 28.167152) << 0.002;
-        QTest::newRow("D RT90") << int(RT90) << "X: 6249111.351 Y: 1380573.079" << dms(56, 21, 17.199245)
-                                << dms(13, 52, 23.754022) << 0.002;
-        QTest::newRow("D UTM") << int(Utm) << "33V 430374.835 6246136.458" << dms(56, 21, 17.199245)
-                               << dms(13, 52, 23.754022) << 0.002;
+        QTest::newRow("A RT90") << int(RT90) << "X: 7453389.762 Y: 1727060.905" << latA << lonA << 0.002;
+        QTest::newRow("A SWEREF") << int(SweRef99) << "N: 7454204.638 E: 761811.242" << latA << lonA << 0.002;
+        QTest::newRow("B RT90") << int(RT90) << "X: 7047738.415 Y: 1522128.637" << latB << lonB << 0.002;
+        QTest::newRow("C SWEREF") << int(SweRef99) << "N: 6669189.376 E: 486557.055" << latC << lonC << 0.002;
+        QTest::newRow("D RT90") << int(RT90) << "X: 6249111.351 Y: 1380573.079" << latD << lonD << 0.002;
+        QTest::newRow("D UTM") << int(Utm) << "33V 430374.835 6246136.458" << latD << lonD << 0.002;
         QTest::newRow("55 12.75") << int(SweRef99) << "N: 6097106.672 E: 356083.438" << 55.0 << 12.75 << 0.002;
         QTest::newRow("Baghdad UTM") << int(Utm) << "38n 444140.54 3684706.36" << 33.3 << 44.4 << 0.01;
         // An MGRS square stands for its centre: 38n 444500 3688500, given there as 33.33424 44.40363.
@@ -174,8 +147,44 @@ private Q_SLOTS:
         QTest::newRow("Antarctic MGRS") << int(UtmRef) << "32CMS4324728161" << -79.9 << 6.1 << 1.0;
         // GeographicLib's short notation: the letter is the hemisphere, here 31s = south.
         QTest::newRow("hemisphere letter") << int(Utm) << "31s 500000 9889470" << -1.0 << 3.0 << 1.0;
+        QTest::newRow("plain decimal") << int(GeoDecimal) << "59.330231 18.059196" << latDoc << lonDoc << 0.01;
+        QTest::newRow("letters after") << int(GeoDecimal) << "59.330231N 18.059196E" << latDoc << lonDoc << 0.01;
+        QTest::newRow("letters before") << int(GeoDecimal) << "N 59.330231 E 18.059196" << latDoc << lonDoc << 0.01;
+        QTest::newRow("longitude first") << int(GeoDecimal) << "18.059196° E, 59.330231° N" << latDoc << lonDoc << 0.01;
+        QTest::newRow("decimal commas") << int(GeoDecimal) << "59,330231 18,059196" << latDoc << lonDoc << 0.01;
+        QTest::newRow("signed south west") << int(GeoDecimal) << "-33.9249 -18.4241" << -33.9249 << -18.4241 << 0.01;
+        QTest::newRow("colons") << int(Geo) << "59:19:48.83 18:03:33.11" << latDoc << lonDoc << 0.2;
+        QTest::newRow("spaces") << int(Geo) << "59 19 48.83 N 18 3 33.11 E" << latDoc << lonDoc << 0.2;
+        QTest::newRow("decimal minutes") << int(Geo) << "59°19.81386'N 18°3.55176'E" << latDoc << lonDoc << 0.01;
+        QTest::newRow("d and quotes") << int(GeoNoFrac) << "59d19'48.83\" 18d03'33.11\"" << latDoc << lonDoc << 0.2;
+        QTest::newRow("primes") << int(Geo) << "59°19′48.83″N 18°03′33.11″E" << latDoc << lonDoc << 0.2;
+        QTest::newRow("UTM labels") << int(Utm) << "34V 332700E 6580519N" << latDoc << lonDoc << 1.0;
+        QTest::newRow("UTM other zone") << int(Utm) << "33n 674032 6580822" << latDoc << lonDoc << 1.0;
+        QTest::newRow("UTM north word") << int(Utm) << "38 north 444140.54 3684706.36" << 33.3 << 44.4 << 0.01;
+        QTest::newRow("UTM band S north") << int(Utm) << "38S 444141 3684706" << 33.3 << 44.4 << 1.0;
+        QTest::newRow("UPS") << int(Utm) << "Z 2277729 1518960" << 85.0 << 30.0 << 1.0;
+        QTest::newRow("MGRS spaced") << int(UtmRef) << "34V CL 32699 80518" << latDoc << lonDoc << 1.0;
+        QTest::newRow("MGRS 10 m") << int(UtmRef) << "34VCL32698051" << latDoc << lonDoc << 10.0;
+        QTest::newRow("RT90 bare") << int(RT90) << "6580994 1628294" << latDoc << lonDoc << 1.0;
+        QTest::newRow("RT90 swapped labels") << int(RT90) << "Y=1628294, X=6580994" << latDoc << lonDoc << 1.0;
+        QTest::newRow("RT90 suffixes") << int(RT90) << "6580994X 1628294Y" << latDoc << lonDoc << 1.0;
+        QTest::newRow("SWEREF easting first") << int(SweRef99) << "E 674032 N 6580822" << latDoc << lonDoc << 1.0;
+        QTest::newRow("SWEREF comma") << int(SweRef99) << "6580822, 674032" << latDoc << lonDoc << 1.0;
     }
-    void referenceGridToPosition() { parsesNear(); }
+    void parses()
+    {
+        QFETCH(int, format);
+        QFETCH(QString, text);
+        QFETCH(double, latitude);
+        QFETCH(double, longitude);
+        QFETCH(double, toleranceMetres);
+        double lat = 0;
+        double lon = 0;
+        QVERIFY(CoordText::Parse(text, CoordFormat(format), lat, lon));
+        const double off = metresBetween(lat, lon, latitude, longitude);
+        QVERIFY2(off < toleranceMetres,
+                 qPrintable(QStringLiteral("%1 %2 is %3 m off").arg(lat, 0, 'f', 9).arg(lon, 0, 'f', 9).arg(off)));
+    }
 
     void roundTrips_data()
     {
@@ -224,41 +233,6 @@ private Q_SLOTS:
                 QVERIFY2(metresBetween(lat, lon, position.first, position.second) < toleranceMetres, qPrintable(text));
         }
     }
-
-    void typedVariants_data()
-    {
-        QTest::addColumn<int>("format");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<double>("latitude");
-        QTest::addColumn<double>("longitude");
-        QTest::addColumn<double>("toleranceMetres");
-
-        const double lat = 59.330231, lon = 18.059196;
-        QTest::newRow("plain decimal") << int(GeoDecimal) << "59.330231 18.059196" << lat << lon << 0.01;
-        QTest::newRow("letters after") << int(GeoDecimal) << "59.330231N 18.059196E" << lat << lon << 0.01;
-        QTest::newRow("letters before") << int(GeoDecimal) << "N 59.330231 E 18.059196" << lat << lon << 0.01;
-        QTest::newRow("longitude first") << int(GeoDecimal) << "18.059196° E, 59.330231° N" << lat << lon << 0.01;
-        QTest::newRow("decimal commas") << int(GeoDecimal) << "59,330231 18,059196" << lat << lon << 0.01;
-        QTest::newRow("signed south west") << int(GeoDecimal) << "-33.9249 -18.4241" << -33.9249 << -18.4241 << 0.01;
-        QTest::newRow("colons") << int(Geo) << "59:19:48.83 18:03:33.11" << lat << lon << 0.2;
-        QTest::newRow("spaces") << int(Geo) << "59 19 48.83 N 18 3 33.11 E" << lat << lon << 0.2;
-        QTest::newRow("decimal minutes") << int(Geo) << "59°19.81386'N 18°3.55176'E" << lat << lon << 0.01;
-        QTest::newRow("d and quotes") << int(GeoNoFrac) << "59d19'48.83\" 18d03'33.11\"" << lat << lon << 0.2;
-        QTest::newRow("primes") << int(Geo) << "59°19′48.83″N 18°03′33.11″E" << lat << lon << 0.2;
-        QTest::newRow("UTM labels") << int(Utm) << "34V 332700E 6580519N" << lat << lon << 1.0;
-        QTest::newRow("UTM other zone") << int(Utm) << "33n 674032 6580822" << lat << lon << 1.0;
-        QTest::newRow("UTM north word") << int(Utm) << "38 north 444140.54 3684706.36" << 33.3 << 44.4 << 0.01;
-        QTest::newRow("UTM band S north") << int(Utm) << "38S 444141 3684706" << 33.3 << 44.4 << 1.0;
-        QTest::newRow("UPS") << int(Utm) << "Z 2277729 1518960" << 85.0 << 30.0 << 1.0;
-        QTest::newRow("MGRS spaced") << int(UtmRef) << "34V CL 32699 80518" << lat << lon << 1.0;
-        QTest::newRow("MGRS 10 m") << int(UtmRef) << "34VCL32698051" << lat << lon << 10.0;
-        QTest::newRow("RT90 bare") << int(RT90) << "6580994 1628294" << lat << lon << 1.0;
-        QTest::newRow("RT90 swapped labels") << int(RT90) << "Y=1628294, X=6580994" << lat << lon << 1.0;
-        QTest::newRow("RT90 suffixes") << int(RT90) << "6580994X 1628294Y" << lat << lon << 1.0;
-        QTest::newRow("SWEREF easting first") << int(SweRef99) << "E 674032 N 6580822" << lat << lon << 1.0;
-        QTest::newRow("SWEREF comma") << int(SweRef99) << "6580822, 674032" << lat << lon << 1.0;
-    }
-    void typedVariants() { parsesNear(); }
 
     void refusals_data()
     {
@@ -396,16 +370,10 @@ private Q_SLOTS:
         QCOMPARE(edit.getLatitude(), 59.330231);
         QCOMPARE(edited.count(), 1);
 
-        // Return on untouched text keeps the full precision of the held position.
-        edit.setLatitude(10.123456789);
-        QTest::keyClick(&edit, Qt::Key_Return);
-        QCOMPARE(edit.getLatitude(), 10.123456789);
-        QCOMPARE(edited.count(), 1);
-
         // Escape drops the typing.
         QTest::keyClicks(&edit, QStringLiteral("xyz"));
         QTest::keyClick(&edit, Qt::Key_Escape);
-        QCOMPARE(edit.text(), QStringLiteral("10.123457° N, 18.059196° E"));
+        QCOMPARE(edit.text(), QStringLiteral("59.330231° N, 18.059196° E"));
         QVERIFY(!edit.isModified());
     }
 
@@ -440,17 +408,18 @@ private Q_SLOTS:
     void warningColourWhileTyping()
     {
         CoordEdit edit;
-        const QColor normal = edit.palette().color(QPalette::Active, QPalette::Text);
+        const auto colour = [&edit] { return edit.palette().color(QPalette::Active, QPalette::Text); };
+        const QColor normal = colour();
         edit.clear();
         QTest::keyClicks(&edit, QStringLiteral("59.3 18"));
-        QCOMPARE(edit.palette().color(QPalette::Active, QPalette::Text), normal);
+        QCOMPARE(colour(), normal);
         QTest::keyClicks(&edit, QStringLiteral("x"));
-        QVERIFY(edit.palette().color(QPalette::Active, QPalette::Text) != normal);
+        QVERIFY(colour() != normal);
         QTest::keyClick(&edit, Qt::Key_Backspace);
-        QCOMPARE(edit.palette().color(QPalette::Active, QPalette::Text), normal);
+        QCOMPARE(colour(), normal);
         QTest::keyClicks(&edit, QStringLiteral("x"));
         QTest::keyClick(&edit, Qt::Key_Return); // refused: the held position shows, in the usual colour
-        QCOMPARE(edit.palette().color(QPalette::Active, QPalette::Text), normal);
+        QCOMPARE(colour(), normal);
     }
 
     void contextMenu()

@@ -38,53 +38,44 @@ class PlinthorTest : public QObject
 private Q_SLOTS:
     void cleanup() { tree().Clear(); }
 
+    void positionFormat_data()
+    {
+        QTest::addColumn<QString>("before"); // what became of the path before the call
+        QTest::newRow("first call") << QString();
+        QTest::newRow("Clear") << "Clear";
+        QTest::newRow("Remove") << "Remove";
+        QTest::newRow("path taken by the application") << "taken";
+    }
     void positionFormat()
     {
+        QFETCH(QString, before);
+        const QString path = Plinthor::PositionFormatPath();
+        values::ValueBase* text = nullptr;
+        if (!before.isEmpty()) {
+            Plinthor::Instance().GetPositionFormat()->SelectKey(Utm, nullptr); // not kept by the next one
+            if (before == QLatin1String("Remove"))
+                QVERIFY(tree().Remove(path));
+            else
+                tree().Clear();
+            QVERIFY(!tree().Find(path));
+            if (before == QLatin1String("taken"))
+                QVERIFY(tree().Add(path, text = new values::StringValue(QStringLiteral("mine"))));
+        }
         values::ValueSelection* selection = Plinthor::Instance().GetPositionFormat();
         verifyFormatSelection(selection);
-        QCOMPARE(tree().Find(Plinthor::PositionFormatPath()), static_cast<values::ValueBase*>(selection));
         QCOMPARE(Plinthor::Instance().GetPositionFormat(), selection);
+        QCOMPARE(tree().Find(path), text ? text : static_cast<values::ValueBase*>(selection));
+        if (text) {
+            QCOMPARE(text->GetValueString(), QStringLiteral("mine"));
+            QVERIFY(!selection->GetPathName().isEmpty());
+        }
         // The names are distinct, so that a write by name picks one format.
         QSet<QString> names;
         for (int i = 0; i < 7; ++i)
             names << selection->GetItemAt(i)->GetName();
         QCOMPARE(names.size(), 7);
         QVERIFY(selection->SetValueString(QStringLiteral("SWEREF 99 TM"), nullptr));
-        QCOMPARE(selection->GetCurrentKey(), long(SweRef99));
         QCOMPARE(Plinthor::Instance().GetPositionFormat()->GetCurrentKey(), long(SweRef99));
-    }
-
-    void positionFormatComesBack_data()
-    {
-        QTest::addColumn<bool>("clear");
-        QTest::newRow("Clear") << true;
-        QTest::newRow("Remove") << false;
-    }
-    void positionFormatComesBack()
-    {
-        QFETCH(bool, clear);
-        Plinthor::Instance().GetPositionFormat()->SelectKey(Utm, nullptr);
-        if (clear)
-            tree().Clear();
-        else
-            QVERIFY(tree().Remove(Plinthor::PositionFormatPath()));
-        QVERIFY(!tree().Find(Plinthor::PositionFormatPath()));
-        values::ValueSelection* again = Plinthor::Instance().GetPositionFormat();
-        verifyFormatSelection(again);
-        QCOMPARE(tree().Find(Plinthor::PositionFormatPath()), static_cast<values::ValueBase*>(again));
-    }
-
-    void positionFormatPathTaken()
-    {
-        // The application put a value of its own where the selection would stand.
-        auto* text = new values::StringValue(QStringLiteral("mine"));
-        QVERIFY(tree().Add(Plinthor::PositionFormatPath(), text));
-        values::ValueSelection* selection = Plinthor::Instance().GetPositionFormat();
-        verifyFormatSelection(selection);
-        QCOMPARE(tree().Find(Plinthor::PositionFormatPath()), static_cast<values::ValueBase*>(text));
-        QCOMPARE(text->GetValue(), QStringLiteral("mine"));
-        QCOMPARE(Plinthor::Instance().GetPositionFormat(), selection);
-        QVERIFY(!selection->GetPathName().isEmpty());
     }
 
     void paletteChangeIsAnnouncedOnce()

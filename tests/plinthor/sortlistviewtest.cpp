@@ -9,12 +9,18 @@ Q_DECLARE_METATYPE(SortListViewItem*)
 
 namespace {
 
-QStringList column(const QTreeWidget& view, int c)
+// The texts of column \a c of the rows under \a parent, in the order shown.
+QStringList column(const QTreeWidgetItem* parent, int c = 0)
 {
     QStringList result;
-    for (int row = 0; row < view.topLevelItemCount(); ++row)
-        result << view.topLevelItem(row)->text(c);
+    for (int row = 0; row < parent->childCount(); ++row)
+        result << parent->child(row)->text(c);
     return result;
+}
+
+QStringList column(const QTreeWidget& view, int c)
+{
+    return column(view.invisibleRootItem(), c);
 }
 
 void clickHeader(SortListView& view, int section)
@@ -23,14 +29,6 @@ void clickHeader(SortListView& view, int section)
     const QPoint centre(header->sectionViewportPosition(section) + header->sectionSize(section) / 2,
                         header->height() / 2);
     QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, centre);
-}
-
-QStringList childTexts(const QTreeWidgetItem* item)
-{
-    QStringList result;
-    for (int i = 0; i < item->childCount(); ++i)
-        result << item->child(i)->text(0);
-    return result;
 }
 
 // Two columns, and rows made from \a names and \a numbers.
@@ -137,9 +135,9 @@ private Q_SLOTS:
         new SortListViewItem(root, {"c", "2"});
         // The view sorts by names; the children can be sorted by another column of their own.
         root->sortChildItems(1, true);
-        QCOMPARE(childTexts(root), QStringList({"b", "c", "a"}));
+        QCOMPARE(column(root), QStringList({"b", "c", "a"}));
         root->sortChildItems(0, false);
-        QCOMPARE(childTexts(root), QStringList({"c", "b", "a"}));
+        QCOMPARE(column(root), QStringList({"c", "b", "a"}));
         root->setOpen(true);
         QVERIFY(root->isExpanded());
         root->setOpen(false);

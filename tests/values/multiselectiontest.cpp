@@ -6,7 +6,6 @@
 
 namespace {
 
-
 QList<int> kinds(const values::MultiSelectionChangeLog& log)
 {
     QList<int> out;
