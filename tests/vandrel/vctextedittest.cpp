@@ -8,10 +8,7 @@
 
 namespace {
 
-values::Tree& tree()
-{
-    return *values::Tree::Instance();
-}
+values::Tree& tree() { return *values::Tree::Instance(); }
 
 values::StringValue* addText(const QString& path, const QString& text)
 {
@@ -24,10 +21,7 @@ values::StringValue* addText(const QString& path, const QString& text)
 class RenamedTextEdit : public VCTextEdit
 {
 public:
-    RenamedTextEdit()
-    {
-        Initialize(QStringLiteral("notes"));
-    }
+    RenamedTextEdit() { Initialize(QStringLiteral("notes")); }
 };
 
 // A window with the field and a line edit to take the focus away.
