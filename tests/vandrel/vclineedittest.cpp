@@ -18,10 +18,7 @@ namespace {
 const QString kPath = QStringLiteral("/panel/x");
 const QString kRed = QStringLiteral("QLineEdit{ color: white; background-color: red }");
 
-values::Tree& tree()
-{
-    return *values::Tree::Instance();
-}
+values::Tree& tree() { return *values::Tree::Instance(); }
 
 values::DoubleNumeric* addNumber(double value, double minimum, double maximum)
 {
@@ -118,28 +115,14 @@ private Q_SLOTS:
     {
         QFETCH(int, type);
         QFETCH(bool, frequency);
-        QFETCH(bool, factorTakes);
         VCLineEdit field(nullptr, "Gain", VCLineEdit::LineEditType(type));
         QCOMPARE(field.objectName() + field.toolTip(), QStringLiteral("GainGain"));
         QVERIFY(!field.isEnabled() && !field.GetDirty() && !field.dragEnabled() && !field.GetValuePtr());
         QCOMPARE(field.maxLength(), frequency ? 20 : QLineEdit().maxLength());
         QCOMPARE(field.validator() != nullptr, frequency);
         // The bit of value 4 of the type number decides, not whether the type has a suffix.
-        QCOMPARE(field.SetFactor(1024), factorTakes);
-        QCOMPARE(field.SetStringSuffix(QStringLiteral("B")), factorTakes);
-    }
-
-    void onlyTheFollowingTypeFollowsTheUnit()
-    {
-        auto* unit = new values::StringValue(QStringLiteral("kHz"));
-        tree().Add(SuffixedDouble::DefaultUnitPath(), unit);
-        VCLineEdit fixed(nullptr, "a", VCLineEdit::Frequency);
-        VCLineEdit following(nullptr, "f", VCLineEdit::FrequencyFollowing);
-        unit->SetValue(QStringLiteral("GHz"), nullptr);
-        fixed.SetNumeric(2.5e9);
-        following.SetNumeric(2.5e9);
-        QCOMPARE(fixed.text(), QStringLiteral("2500000 kHz"));
-        QCOMPARE(following.text(), QStringLiteral("2.500 GHz"));
+        QTEST(field.SetFactor(1024), "factorTakes");
+        QTEST(field.SetStringSuffix(QStringLiteral("B")), "factorTakes");
     }
 
     // One typed text per type, committed with Return to a number with wide limits.
@@ -166,7 +149,6 @@ private Q_SLOTS:
         QFETCH(int, type);
         QFETCH(QString, typed);
         QFETCH(double, stored);
-        QFETCH(QString, shown);
         auto* number = addNumber(5.0, type == 0 || type == 7 ? -1e12 : 0.0, 1e12);
         Panel p{VCLineEdit::LineEditType(type)};
         BoxCloser boxes(p.field);
@@ -174,7 +156,7 @@ private Q_SLOTS:
         p.type(typed);
         QTest::keyClick(p.field, Qt::Key_Return);
         QCOMPARE(number->GetValue(), stored);
-        QCOMPARE(p.field->text(), shown);
+        QTEST(p.field->text(), "shown");
         QCOMPARE(p.field->GetNumeric(), stored);
         QCOMPARE(boxes.count, 0);
         // The field's edits are not undo recordings.
@@ -204,20 +186,18 @@ private Q_SLOTS:
         QFETCH(QString, suffix);
         QFETCH(double, factor);
         QFETCH(double, number);
-        QFETCH(QString, shown);
         QFETCH(QString, typed);
-        QFETCH(double, stored);
         auto* value = addNumber(0.0, -1e9, 1e9);
         Panel p;
         QVERIFY(p.field->SetText_ValuePath(kPath));
         p.field->SetFormat(digits, 2, suffix, QStringLiteral("k"), factor);
         QCOMPARE(p.field->text(), QStringLiteral("0")); // shown from the next number on
         value->SetValue(number, nullptr);
-        QCOMPARE(p.field->text(), shown);
+        QTEST(p.field->text(), "shown");
         QCOMPARE(value->GetValue(), number);
         p.type(typed);
         QTest::keyClick(p.field, Qt::Key_Return);
-        QCOMPARE(value->GetValue(), stored);
+        QTEST(value->GetValue(), "stored");
     }
 
     void rangeCheck_data()
@@ -234,21 +214,17 @@ private Q_SLOTS:
         const QString range = QStringLiteral(", value set to %1.\nAllowed range from %2 to %3.");
         const QString over = QStringLiteral("Input Error|Input exceeds maximum") + range;
         const QString under = QStringLiteral("Range Check Error|Input underruns minimum") + range;
-        QTest::newRow("plain over") << 0 << 10.0 << 20.0 << "25" << over.arg(20).arg(10).arg(20) << 20.0 << "20" << 2
-                                    << "25";
-        QTest::newRow("plain under") << 0 << 10.0 << 20.0 << "5" << under.arg(10).arg(10).arg(20) << 10.0 << "10" << 2
-                                     << "5";
+        QTest::newRow("plain over") << 0 << 10.0 << 20.0 << "25" << over.arg(20).arg(10).arg(20) << 20.0 << "20" << 2 << "25";
+        QTest::newRow("plain under") << 0 << 10.0 << 20.0 << "5" << under.arg(10).arg(10).arg(20) << 10.0 << "10" << 2 << "5";
         QTest::newRow("plain at maximum") << 0 << 10.0 << 20.0 << "20" << "" << 20.0 << "20" << 0 << "";
         QTest::newRow("plain at minimum") << 0 << 10.0 << 20.0 << "10" << "" << 10.0 << "10" << 0 << "";
         // The suffixed overrun writes with no originator, the underrun as the field itself.
-        QTest::newRow("frequency over") << 1 << 1000.0 << 2000.0 << "5k" << over.arg("2 kHz", "1 kHz", "2 kHz")
-                                        << 2000.0 << "2 kHz" << 2 << "5 kHz";
-        QTest::newRow("frequency under") << 1 << 1000.0 << 2000.0 << "500" << under.arg("1 kHz", "1 kHz", "2 kHz")
-                                         << 1000.0 << "1 kHz" << 1 << "500 Hz";
-        QTest::newRow("suffixed floor is 0") << 4 << -10.0 << 100.0 << "-5" << under.arg("0", "0", "100") << 0.0 << "0"
-                                             << 1 << "-5";
-        QTest::newRow("time over") << 7 << -100.0 << -1.0 << "5" << over.arg(-1).arg(-100).arg(-1) << -1.0 << "-1 s" << 2
-                                   << "5 s";
+        QTest::newRow("frequency over") << 1 << 1000.0 << 2000.0 << "5k" << over.arg("2 kHz", "1 kHz", "2 kHz") << 2000.0
+                                        << "2 kHz" << 2 << "5 kHz";
+        QTest::newRow("frequency under") << 1 << 1000.0 << 2000.0 << "500" << under.arg("1 kHz", "1 kHz", "2 kHz") << 1000.0
+                                         << "1 kHz" << 1 << "500 Hz";
+        QTest::newRow("suffixed floor is 0") << 4 << -10.0 << 100.0 << "-5" << under.arg("0", "0", "100") << 0.0 << "0" << 1 << "-5";
+        QTest::newRow("time over") << 7 << -100.0 << -1.0 << "5" << over.arg(-1).arg(-100).arg(-1) << -1.0 << "-1 s" << 2 << "5 s";
     }
     void rangeCheck()
     {
@@ -260,7 +236,6 @@ private Q_SLOTS:
         QFETCH(double, stored);
         QFETCH(QString, shown);
         QFETCH(int, selfCalls);
-        QFETCH(QString, told);
         auto* number = addNumber(minimum + 1.0, minimum, maximum);
         Counter counter;
         counter.watch(number);
@@ -287,8 +262,8 @@ private Q_SLOTS:
             QCOMPARE(boxes.sheetWhileShown, said.isEmpty() ? QString() : kRed);
             QCOMPARE(finally.count(), said.isEmpty() ? 0 : 1);
         }
-        if (!told.isEmpty())
-            QCOMPARE(finally.first().at(0).toString(), told);
+        if (!said.isEmpty())
+            QTEST(finally.first().at(0).toString(), "told");
     }
 
     void endingAnEdit()
@@ -394,7 +369,7 @@ private Q_SLOTS:
         QCOMPARE(p.field->text(), QStringLiteral("5"));
     }
 
-    void editColouring()
+    void unboundField()
     {
         Panel p;
         p.field->setEnabled(true);
@@ -409,13 +384,9 @@ private Q_SLOTS:
         QCOMPARE(p.field->styleSheet(), QStringLiteral("QLineEdit{ color: gray; background-color: white }"));
         p.field->endEdit();
         QCOMPARE(p.field->styleSheet(), QString());
-    }
 
-    void unboundNumbers()
-    {
         // Each commit reads the shown text back through the factor once more.
-        Panel p;
-        p.field->setEnabled(true);
+        p.field->setValidator(nullptr);
         p.field->SetFormat(-1, -1, QString(), QString(), 10.0);
         p.field->SetNumeric(2.0);
         p.field->endEdit();
@@ -429,6 +400,16 @@ private Q_SLOTS:
         QTest::keyClick(f.field, Qt::Key_Return);
         QCOMPARE(f.field->GetNumeric(), 2e6);
         QCOMPARE(f.field->text(), QStringLiteral("2 MHz"));
+
+        // Only the following type follows the application's unit.
+        auto* unit = new values::StringValue(QStringLiteral("kHz"));
+        tree().Add(SuffixedDouble::DefaultUnitPath(), unit);
+        VCLineEdit fixed(nullptr, "a", VCLineEdit::Frequency), following(nullptr, "f", VCLineEdit::FrequencyFollowing);
+        unit->SetValue(QStringLiteral("GHz"), nullptr);
+        fixed.SetNumeric(2.5e9);
+        following.SetNumeric(2.5e9);
+        QCOMPARE(fixed.text(), QStringLiteral("2500000 kHz"));
+        QCOMPARE(following.text(), QStringLiteral("2.500 GHz"));
     }
 
     void nanIsTracedAndPassedOn()

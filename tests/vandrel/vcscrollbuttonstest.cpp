@@ -8,10 +8,7 @@
 
 namespace {
 
-values::Tree& tree()
-{
-    return *values::Tree::Instance();
-}
+values::Tree& tree() { return *values::Tree::Instance(); }
 
 using Flags = VCScrollButtons;
 
@@ -45,10 +42,7 @@ void checkArrow(VCButton* button)
     QCOMPARE(image.pixelColor(arrow.off).alpha(), 0);
 }
 
-bool hasTimers(QObject* object)
-{
-    return !QAbstractEventDispatcher::instance()->registeredTimers(object).isEmpty();
-}
+bool hasTimers(QObject* object) { return !QAbstractEventDispatcher::instance()->registeredTimers(object).isEmpty(); }
 
 QList<bool> enabledStates(VCScrollButtons& buttons) // minus, minus page, plus page, plus
 {

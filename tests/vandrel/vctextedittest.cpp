@@ -8,10 +8,7 @@
 
 namespace {
 
-values::Tree& tree()
-{
-    return *values::Tree::Instance();
-}
+values::Tree& tree() { return *values::Tree::Instance(); }
 
 values::StringValue* addText(const QString& path, const QString& text)
 {
@@ -24,10 +21,7 @@ values::StringValue* addText(const QString& path, const QString& text)
 class RenamedTextEdit : public VCTextEdit
 {
 public:
-    RenamedTextEdit()
-    {
-        Initialize(QStringLiteral("notes"));
-    }
+    RenamedTextEdit() { Initialize(QStringLiteral("notes")); }
 };
 
 // A window with the field and a line edit to take the focus away.
@@ -93,6 +87,16 @@ private Q_SLOTS:
         // Written once with the field as originator: no Update came back to echo it.
         QCOMPARE(counter.codes, QList<TChangeCode>{ValueChanged});
         QCOMPARE(values::UndoRecorder::Instance().Count(), 0);
+
+        // A fixed width and height whatever the window does; a double click selects everything.
+        QCOMPARE(form.edit->width(), 260);
+        QVERIFY(form.edit->height() >= 60);
+        form.window.resize(900, 700);
+        QCOMPARE(form.edit->width(), 260);
+        QCOMPARE(form.edit->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
+        form.edit->setPlainText(QStringLiteral("several words here"));
+        QTest::mouseDClick(form.edit->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 8));
+        QCOMPARE(form.edit->textCursor().selectedText(), QStringLiteral("several words here"));
     }
 
     void setTextAndValueChanges()
@@ -204,22 +208,6 @@ private Q_SLOTS:
         delete edit;
         QCOMPARE(notes->GetValue(), QStringLiteral("last words"));
         QCOMPARE(notes->ObserverCount(), 0);
-    }
-
-    void geometryAndDoubleClick()
-    {
-        Form form;
-        form.edit->setEnabled(true);
-        QVERIFY(QTest::qWaitForWindowExposed(&form.window));
-        QCOMPARE(form.edit->width(), 260);
-        QVERIFY(form.edit->height() >= 60);
-        form.window.resize(900, 700);
-        QCOMPARE(form.edit->width(), 260);
-        QCOMPARE(form.edit->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
-
-        form.edit->setPlainText(QStringLiteral("several words here"));
-        QTest::mouseDClick(form.edit->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 8));
-        QCOMPARE(form.edit->textCursor().selectedText(), QStringLiteral("several words here"));
     }
 
     void initializeAgainWritesTwice()

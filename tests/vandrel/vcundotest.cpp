@@ -6,15 +6,9 @@
 
 namespace {
 
-values::Tree& tree()
-{
-    return *values::Tree::Instance();
-}
+values::Tree& tree() { return *values::Tree::Instance(); }
 
-values::UndoRecorder& recorder()
-{
-    return values::UndoRecorder::Instance();
-}
+values::UndoRecorder& recorder() { return values::UndoRecorder::Instance(); }
 
 // A user edit as a bound control makes it: one write inside a recording span.
 template <class F>
@@ -34,16 +28,11 @@ values::IntValue* addInt(const QString& path, int value)
 
 QStringList descriptions(const QString& basePath)
 {
-    QStringList list;
-    for (const QString& description : recorder().Descriptions(basePath))
-        list << description;
-    return list;
+    const auto list = recorder().Descriptions(basePath);
+    return QStringList(list.begin(), list.end());
 }
 
-VCButton* buttonOf(VCUndo& undo)
-{
-    return undo.findChild<VCButton*>(undo.objectName() + QStringLiteral("_button"));
-}
+VCButton* buttonOf(VCUndo& undo) { return undo.findChild<VCButton*>(undo.objectName() + QStringLiteral("_button")); }
 
 // The intervals of the control's timers: the watchdog is its only one.
 QList<int> timersOf(VCUndo& undo)
