@@ -21,8 +21,12 @@ int main(int argc, char** argv)
     slider.setValue(slider.value() + 1);
     if (gain->GetValue() != 43.0)
         return 3;
-    if (!TranslationCenter::Instance().IsRegistered(QStringLiteral("Vandrel")))
+    if (!TranslationCenter::Instance().IsRegistered(QStringLiteral("Vandrel"))
+        || !TranslationCenter::Instance().IsRegistered(QStringLiteral("Plinthor")))
         return 4;
-    std::puts("consumer: bound slider follows and writes its value");
+    // The coordinate formats come with the base controls' own (private) GeographicLib link.
+    if (basecontrols::CoordText::Format(59.330231, 18.059196, SweRef99) != QStringLiteral("N: 6580822 E: 674032"))
+        return 5;
+    std::puts("consumer: bound slider follows and writes its value; coordinates convert");
     return 0;
 }
