@@ -46,9 +46,9 @@ public:
     /// The one translation centre of the process.
     static TranslationCenter& Instance();
 
-    /// Makes a translation namespace known. Registering twice counts twice: Unregister undoes one.
+    /// Makes a translation namespace known; registering a known namespace again changes nothing.
     void Register(const QString& name);
-    /// Takes back one registration of a namespace; its catalog is unloaded with the last one.
+    /// Makes the namespace unknown again, however often it was registered, and unloads its catalog.
     void Unregister(const QString& name);
     /**
      * \brief Installs the catalog of the registered namespace \a name into the application as well,

@@ -74,7 +74,9 @@ public:
     bool SelectIndex(long index, IObserver* originator);
     /**
      * \brief Moves the current item one step: towards the front with \a up, towards the end without.
-     * Stops at the ends; false when it could not move.
+     * Goes round at the ends (the last item follows the first), so that a two-item selection flips
+     * with each step. With nothing current it starts at the last item (\a up) or the first. False only
+     * for an empty selection.
      */
     bool SelectNext(bool up, IObserver* originator);
     /// The item of \a key, null when there is none.

@@ -110,9 +110,9 @@ bool ValueSelection::SelectNext(bool up, IObserver* originator)
 {
     if (m_items.empty())
         return false;
-    long index = m_nCurrent < 0 ? (up ? long(m_items.size()) - 1 : 0) : m_nCurrent + (up ? -1 : 1);
-    if (index < 0 || index >= long(m_items.size()))
-        return false;
+    // Round the ends, so that a two-item selection flips with every step.
+    const long count = long(m_items.size());
+    const long index = m_nCurrent < 0 ? (up ? count - 1 : 0) : (m_nCurrent + (up ? count - 1 : 1)) % count;
     return selectIndex(index, originator);
 }
 

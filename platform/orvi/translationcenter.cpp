@@ -36,7 +36,6 @@ struct TranslationCenter::Entry
         translator.reset();
     }
 
-    int count = 0;
     bool serveApplication = false;           // InstallCatalog() was asked for this namespace
     bool loaded = false;                     // a search was made for the current locale and paths
     bool installed = false;                  // the translator is among the application's
@@ -119,14 +118,13 @@ void TranslationCenter::Register(const QString& name)
     std::unique_ptr<Entry>& entry = m_entries[name.toUtf8()];
     if (!entry)
         entry = std::make_unique<Entry>();
-    ++entry->count;
 }
 
 void TranslationCenter::Unregister(const QString& name)
 {
     QMutexLocker locker(&m_mutex);
     const auto it = m_entries.find(name.toUtf8());
-    if (it != m_entries.end() && --it->second->count == 0)
+    if (it != m_entries.end())
         m_entries.erase(it);
 }
 

@@ -73,9 +73,9 @@ private slots:
         const QString name = QStringLiteral("CountSpace");
         center().Register(name);
         center().Register(name);
-        center().Unregister(name);
         QVERIFY(center().IsRegistered(name));
-        QVERIFY(center().RegisteredNames().contains(name));
+        QCOMPARE(center().RegisteredNames().count(name), 1);
+        // One Unregister takes it back, however often it was registered.
         center().Unregister(name);
         QVERIFY(!center().IsRegistered(name));
         QVERIFY(!center().RegisteredNames().contains(name));

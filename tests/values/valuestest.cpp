@@ -275,7 +275,10 @@ private Q_SLOTS:
         QVERIFY(sel.SelectNext(true, nullptr));
         QCOMPARE(sel.GetCurrentKey(), 20L);
         QVERIFY(sel.SelectNext(true, nullptr));
-        QVERIFY(!sel.SelectNext(true, nullptr)); // stops at the front
+        QCOMPARE(sel.GetCurrentIndex(), 0L);
+        QVERIFY(sel.SelectNext(true, nullptr)); // round the front to the end
+        QCOMPARE(sel.GetCurrentKey(), 30L);
+        QVERIFY(sel.SelectNext(false, nullptr)); // and back round to the front
         QCOMPARE(sel.GetCurrentIndex(), 0L);
         QVERIFY(sel.SelectValue(1.5, nullptr, false));
         QCOMPARE(sel.GetCurrentKey(), 20L);
