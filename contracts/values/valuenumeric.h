@@ -59,8 +59,9 @@ public:
     QString GetValueString() const override;
 
     /**
-     * \brief Sets the limits and the step, notifies RangeChanged, then clamps the value into the new
-     * limits (notifying ValueChanged when it moved). Limits in the wrong order or NaN are refused.
+     * \brief Sets the limits and the step, notifies RangeChanged (also when they are the same), then
+     * clamps the value into the new limits (notifying ValueChanged when it moved). Limits in the wrong
+     * order or NaN are refused.
      */
     bool SetRange(double minimum, double maximum, double step, IObserver* originator = nullptr);
 

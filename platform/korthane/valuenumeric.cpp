@@ -90,8 +90,7 @@ bool NumericValueBase::SetRange(double minimum, double maximum, double step, IOb
         BREVAN_TRACE_FAILURE(QStringLiteral("SetRange: limits %1..%2 refused for %3").arg(minimum).arg(maximum).arg(GetPathName()));
         return false;
     }
-    if (minimum == m_fMinimum && maximum == m_fMaximum && step == m_fStep)
-        return true;
+    // Told also when nothing changed: RangeChanged only asks observers to read the limits again.
     m_fMinimum = minimum;
     m_fMaximum = maximum;
     m_fStep = step;
