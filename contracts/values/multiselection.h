@@ -180,9 +180,11 @@ public:
     bool SetItemEnabled(unsigned key, bool enabled, IObserver* originator = nullptr);
     /// Removes every item and notifies ItemsCleared.
     void ClearItems(IObserver* originator = nullptr);
-    /// Sets whether the value offers a none entry, and its text.
+    /// Sets whether the value offers a none entry, and its text; a change is journalled as a rebuild
+    /// (kind 1) and notified as ValueChanged.
     void SetNoneEntry(bool has, const QString& text);
-    /// Sets the text that stands for several checked items.
+    /// Sets the text that stands for several checked items; a change is journalled and notified as
+    /// SetNoneEntry() does.
     void SetSeveralEntryText(const QString& text);
     /// Sets the number of journal entries kept (64 by default).
     void SetChangeLogCapacity(int capacity) { m_log.SetCapacity(capacity); }
@@ -204,6 +206,7 @@ private:
     };
     Entry* find(unsigned key);
     bool setChecked(Entry& entry, bool checked);
+    void entriesChanged();
 
     std::vector<Entry> m_items;
     MultiSelectionChangeLog m_log;

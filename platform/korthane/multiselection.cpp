@@ -231,13 +231,26 @@ void MultiSelectionValueBase::ClearItems(IObserver* originator)
 
 void MultiSelectionValueBase::SetNoneEntry(bool has, const QString& text)
 {
+    if (m_bHasNoneEntry == has && m_strNoneEntry == text)
+        return;
     m_bHasNoneEntry = has;
     m_strNoneEntry = text;
+    entriesChanged();
 }
 
 void MultiSelectionValueBase::SetSeveralEntryText(const QString& text)
 {
+    if (m_strSeveralEntry == text)
+        return;
     m_strSeveralEntry = text;
+    entriesChanged();
+}
+
+void MultiSelectionValueBase::entriesChanged()
+{
+    // The entries a display builds from the items changed: readers of the journal rebuild.
+    m_log.Add(MultiSelectionChange::ItemsRebuilt, 0);
+    Notify(ValueChanged, nullptr);
 }
 
 Command* MultiSelectionValueBase::CreateRestoreCommand()

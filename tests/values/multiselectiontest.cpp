@@ -93,12 +93,15 @@ private Q_SLOTS:
         multi.SetItemEnabled(6, false); // unchanged: no entry
         multi.SetItemChecked(5, true, nullptr);
         multi.ClearItems();
-        QCOMPARE(kinds(*log), (QList<int>{2, 2, 5, 6, 3}));
+        multi.SetNoneEntry(true, QStringLiteral("none"));
+        multi.SetNoneEntry(true, QStringLiteral("none")); // unchanged: no entry
+        multi.SetSeveralEntryText(QStringLiteral("several"));
+        QCOMPARE(kinds(*log), (QList<int>{2, 2, 5, 6, 3, 1, 1}));
         QCOMPARE(log->GetAt(2).key, quint32(6));
         QCOMPARE(log->GetAt(3).key, quint32(5));
         for (int i = 0; i < log->GetCount(); ++i)
             QCOMPARE(log->GetAt(i).sequence, quint64(i));
-        QCOMPARE(log->GetNextSequence(), quint64(5));
+        QCOMPARE(log->GetNextSequence(), quint64(7));
 
         // Single choice: checking one item writes an entry for each mark that moved.
         values::StringMultiSelection single(1);
