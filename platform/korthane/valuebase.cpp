@@ -31,8 +31,10 @@ int ValueBase::GetState() const
 
 bool ValueBase::Notify(TChangeCode code, IObserver* originator)
 {
-    if (m_nTransactionDepth > 0)
-        return true; // merged into the transaction's one notification
+    // Changes of content merge into the transaction's one notification; a change of state is news of
+    // its own that observers must not miss (a removal most of all).
+    if (m_nTransactionDepth > 0 && code != StateChanged)
+        return true;
     return NotifyObservers(code, originator);
 }
 

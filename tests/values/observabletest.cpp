@@ -299,6 +299,11 @@ private Q_SLOTS:
                 selection.AddItem(QStringLiteral("two"), 2, 2, nullptr);
             }
             QVERIFY(log.isEmpty());
+            // A change of state is not merged: it arrives at once.
+            selection.SetState(Disabled, nullptr);
+            QCOMPARE(names(log), QStringLiteral("a origin"));
+            QCOMPARE(log.at(0).code, StateChanged);
+            log.clear();
         }
         QCOMPARE(names(log), QStringLiteral("a"));
         QCOMPARE(log.at(0).code, ItemsChanged);
