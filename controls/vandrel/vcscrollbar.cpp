@@ -3,7 +3,14 @@
 #include <vandrel/binding/binding.h>
 #include "sliderconversion_p.h"
 
-#include <QScopedValueRollback>
+namespace {
+// Truncation toward zero; the maximum is rounded up from a half.
+int truncatedMaximum(double maximum)
+{
+    return vandrel::TruncateToInt(maximum + 0.5);
+}
+const vandrel::SliderConversion kConversion{vandrel::TruncateToInt, truncatedMaximum};
+} // namespace
 
 VCScrollBar::VCScrollBar(QWidget* parent, const char* name)
     : QScrollBar(parent)
@@ -34,34 +41,10 @@ bool VCScrollBar::Set_ValuePath(const QString& path)
 
 void VCScrollBar::Update(Observable* source, TChangeCode code)
 {
-    if (!m_pNumericValue || source != ObservableOf(m_pNumericValue))
-        return;
-    switch (code) {
-    case ValueDestroyed:
-        // A value deleted without leaving the tree first: forget it, it can no longer be detached from.
-        ForgetDestroyedValue(m_pNumericValue, source);
-        break;
-    case StateChanged:
-        ApplyValueState(m_pNumericValue, this);
-        break;
-    case ValueChanged:
-        setValue(vandrel::TruncateToInt(m_pNumericValue->GetValue()));
-        break;
-    case RangeChanged: {
-        // Taking over the value's limits may push the position into them for a moment; that position
-        // is the scroll bar's, not the user's, and must not be written into the value.
-        const QScopedValueRollback<bool> adopting(m_bAdoptingRange, true);
-        setMinimum(vandrel::TruncateToInt(m_pNumericValue->GetMinimum()));
-        setMaximum(vandrel::TruncateToInt(m_pNumericValue->GetMaximum() + 0.5));
-        break;
-    }
-    default:
-        break;
-    }
+    vandrel::FollowNumber(this, m_pNumericValue, m_bAdoptingRange, kConversion, source, code);
 }
 
 void VCScrollBar::internalValueChanged(int x)
 {
-    if (m_pNumericValue && !m_bAdoptingRange)
-        m_pNumericValue->SetValue(double(x), this);
+    vandrel::WritePosition(m_pNumericValue, m_bAdoptingRange, x, this);
 }

@@ -3,7 +3,10 @@
 #include <vandrel/binding/binding.h>
 #include "sliderconversion_p.h"
 
-#include <QScopedValueRollback>
+namespace {
+// Qt's rounding for the number and both limits.
+const vandrel::SliderConversion kConversion{vandrel::RoundToInt, vandrel::RoundToInt};
+} // namespace
 
 VCSlider::VCSlider(QWidget* parent, const char* name)
     : QSlider(parent)
@@ -43,7 +46,8 @@ bool VCSlider::showBoundValue()
     if (!m_pNumericValue)
         return false;
     // The range first, so that the number is not clipped by the range of the former value.
-    adoptRange(vandrel::RoundToInt(m_pNumericValue->GetMinimum()), vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
+    vandrel::AdoptRange(this, m_bAdoptingRange, vandrel::RoundToInt(m_pNumericValue->GetMinimum()),
+                        vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
     setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
     SyncObserver(m_pNumericValue, this);
     return true;
@@ -59,38 +63,10 @@ void VCSlider::setMaxValue(int)
 
 void VCSlider::Update(Observable* source, TChangeCode code)
 {
-    if (!m_pNumericValue || source != ObservableOf(m_pNumericValue))
-        return;
-    switch (code) {
-    case ValueDestroyed:
-        // A value deleted without leaving the tree first: forget it, it can no longer be detached from.
-        ForgetDestroyedValue(m_pNumericValue, source);
-        break;
-    case StateChanged:
-        ApplyValueState(m_pNumericValue, this);
-        break;
-    case ValueChanged:
-        setValue(vandrel::RoundToInt(m_pNumericValue->GetValue()));
-        break;
-    case RangeChanged:
-        adoptRange(vandrel::RoundToInt(m_pNumericValue->GetMinimum()), vandrel::RoundToInt(m_pNumericValue->GetMaximum()));
-        break;
-    default:
-        break;
-    }
-}
-
-void VCSlider::adoptRange(int minimum, int maximum)
-{
-    // Taking over the value's limits may push the position into them for a moment; that position is
-    // the slider's, not the user's, and must not be written into the value.
-    const QScopedValueRollback<bool> adopting(m_bAdoptingRange, true);
-    setMinimum(minimum);
-    setMaximum(maximum);
+    vandrel::FollowNumber(this, m_pNumericValue, m_bAdoptingRange, kConversion, source, code);
 }
 
 void VCSlider::InternalValueChanged(int nValue)
 {
-    if (m_pNumericValue && !m_bAdoptingRange)
-        m_pNumericValue->SetValue(double(nValue), this);
+    vandrel::WritePosition(m_pNumericValue, m_bAdoptingRange, nValue, this);
 }

@@ -44,7 +44,6 @@ private Q_SLOTS:
 
 private:
     bool showBoundValue();
-    void adoptRange(int minimum, int maximum);
 
     values::IValueNumeric* m_pNumericValue;
     bool m_bAdoptingRange = false;
