@@ -57,16 +57,6 @@ private:
     QWidget* m_pFollower;
 };
 
-void bindNumber(VCSlider* slider, const QString& path)
-{
-    slider->SetNumeric_ValuePath(path);
-}
-
-void bindNumber(VCScrollBar* bar, const QString& path)
-{
-    bar->Set_ValuePath(path);
-}
-
 const char* const kDisplayStyle = R"(
 QFrame#display { background: #18212b; border-radius: 8px; }
 QFrame#display QLabel { color: #7fe0c4; background: transparent; }
@@ -295,7 +285,7 @@ QWidget* GalleryWindow::makeSliderPage()
     frequency->setSingleStep(1);
     frequency->setPageStep(100);
     frequency->setToolTip(tr("Tuning in kHz: the arrows step 1 kHz, the trough 100 kHz"));
-    bind([frequency] { bindNumber(frequency, QStringLiteral("/receiver/frequency")); });
+    bind([frequency] { frequency->Set_ValuePath(QStringLiteral("/receiver/frequency")); });
     addControlRow(tuningGrid, tr("Frequency"), frequency,
                   readout(QStringLiteral("/receiver/frequency"), numberIn(QStringLiteral("MHz"), 3, 0.001)));
 
@@ -303,7 +293,7 @@ QWidget* GalleryWindow::makeSliderPage()
     position->setOrientation(Qt::Horizontal);
     position->setPageStep(10);
     position->setToolTip(tr("Where the scan stands in its band; moving it stops the scan"));
-    bind([position] { bindNumber(position, QStringLiteral("/receiver/scan/position")); });
+    bind([position] { position->Set_ValuePath(QStringLiteral("/receiver/scan/position")); });
     addControlRow(tuningGrid, tr("Scan position"), position,
                   readout(QStringLiteral("/receiver/scan/position"), numberIn(QStringLiteral("%"))));
     layout->addWidget(tuning);
@@ -342,7 +332,7 @@ QWidget* GalleryWindow::makeSliderPage()
         slider->setPageStep(r.tick);
         slider->setToolTip(r.toolTip);
         const QString path = r.path;
-        bind([slider, path] { bindNumber(slider, path); });
+        bind([slider, path] { slider->SetNumeric_ValuePath(path); });
         addStackedControl(receiverGrid, r.caption, slider, readout(path, numberIn(r.unit)));
     }
     receiverGrid->setRowStretch(receiverGrid->rowCount(), 1);
@@ -389,9 +379,9 @@ QWidget* GalleryWindow::makeSliderPage()
         const QString path = c.path;
         bind([control, path] {
             if (auto* slider = qobject_cast<VCSlider*>(control))
-                bindNumber(slider, path);
+                slider->SetNumeric_ValuePath(path);
             else if (auto* bar = qobject_cast<VCScrollBar*>(control))
-                bindNumber(bar, path);
+                bar->Set_ValuePath(path);
         });
         auto* column = new QVBoxLayout;
         column->setSpacing(6);
