@@ -205,8 +205,10 @@ private Q_SLOTS:
         Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
     }
 
-    void instrumentOwnsItsBranch()
+    void instrumentOwnsItsBranchAndTheModelOutlivesIt()
     {
+        ValueTreeModel model(Instrument::root());
+        QCOMPARE(model.rowCount(), 0);
         QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
         {
             Instrument instrument;
@@ -214,8 +216,15 @@ private Q_SLOTS:
             QVERIFY(dynamic_cast<values::IValueNumeric*>(find(rx("gain"))));
             QVERIFY(dynamic_cast<values::ValueSelection*>(find(rx("mode"))));
             QVERIFY(dynamic_cast<values::StringMultiSelection*>(find(rx("options"))));
+            QCOMPARE(model.rescan(), Instrument::paths().size());
         }
         QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+        QCOMPARE(model.rowCount(), 0);
+        // The model forgot the values without detaching; new ones are picked up as usual.
+        Instrument instrument;
+        QCOMPARE(model.rescan(), Instrument::paths().size());
+        QVERIFY(setText("gain", "5"));
+        QCOMPARE(cell(model, rx("gain")), QStringLiteral("5"));
     }
 
     void instrumentIsReproducible()
@@ -223,7 +232,6 @@ private Q_SLOTS:
         const QStringList first = runInstrument(7, 200);
         QCOMPARE(runInstrument(7, 200), first);
         QVERIFY(runInstrument(8, 200) != first);
-
         // The run really moves: the meter shows more than a handful of levels, and the scan travels.
         QSet<QString> levels;
         QSet<QString> positions;
@@ -233,7 +241,6 @@ private Q_SLOTS:
         }
         QVERIFY2(levels.size() > 5, qPrintable(QStringLiteral("%1 distinct levels").arg(levels.size())));
         QVERIFY2(positions.size() > 10, qPrintable(QStringLiteral("%1 distinct positions").arg(positions.size())));
-
         // setSeed() restarts the run even on an instrument that has run before.
         Instrument instrument;
         instrument.setSeed(7);
@@ -250,7 +257,6 @@ private Q_SLOTS:
         instrument.setSeed(1);
         instrument.step();
         QCOMPARE(textsOf({"scan/active", "scan/position", "frequency"}), QStringList({"true", "2", "7006"}));
-
         // The user moves the scan position: the scan stops and the frequency follows (7000 + 300 * 50 %).
         setText("scan/position", "50");
         instrument.step();
@@ -258,7 +264,6 @@ private Q_SLOTS:
         for (int i = 0; i < 10; ++i)
             instrument.step();
         QCOMPARE(textOf("scan/position"), QStringLiteral("50"));
-
         // Tuning inside the band moves the position along; outside it leaves it.
         setText("frequency", "7195");
         instrument.step();
@@ -266,7 +271,6 @@ private Q_SLOTS:
         setText("frequency", "14200");
         instrument.step();
         QCOMPARE(textsOf({"scan/position", "frequency"}), QStringList({"65", "14200"}));
-
         // Restoring re-creates the position at 0; that is not the user turning the dial.
         setText("scan/active", "true");
         values::Tree::Instance()->Remove(rx("scan/position"));
@@ -326,7 +330,6 @@ private Q_SLOTS:
         ValueTreeModel model(Instrument::root());
         qint64 clock = 1000;
         model.setClock([&clock] { return clock; });
-        QCOMPARE(model.rowCount(), Instrument::paths().size());
         const int row = model.rowOfPath(path);
         QVERIFY(row >= 0);
         QCOMPARE(model.pathAt(row), path);
@@ -340,7 +343,6 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.at(0).at(0).toModelIndex().row(), row);
         QCOMPARE(changed.at(0).at(1).toModelIndex().row(), row);
-
         // The changed row glows, the others do not, and the glow is gone after the fade.
         QCOMPARE(model.heat(row), 1.0);
         QVERIFY(model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
@@ -388,7 +390,6 @@ private Q_SLOTS:
         QCOMPARE(find(rx("gain"))->GetState(), int(Enabled));
         QVERIFY(slider.isEnabled());
         QVERIFY(model.flags(value) & Qt::ItemIsEditable);
-
         // States that do not exist and rows that do not exist change nothing.
         QVERIFY(!switchTo(7));
         QVERIFY(!model.switchState(model.rowCount(), Disabled));
@@ -418,7 +419,6 @@ private Q_SLOTS:
         slider.setValue(12);
         QCOMPARE(slider.value(), 12);
         QVERIFY(!find(rx("gain")));
-
         // Rows after the removed one moved up; a change must still reach the right one.
         QCOMPARE(model.rowOfPath(rx("level")), levelRow - 1);
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
@@ -426,7 +426,6 @@ private Q_SLOTS:
         QCOMPARE(changed.count(), 1);
         QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow - 1);
         QCOMPARE(cell(model, rx("level")), QStringLiteral("-42"));
-
         // Someone else removing a value drops its row too.
         QVERIFY(values::Tree::Instance()->Remove(rx("volume")));
         QCOMPARE(model.rowCount(), rows - 2);
@@ -463,29 +462,12 @@ private Q_SLOTS:
         for (int row = 0; row < paths.size(); ++row)
             QCOMPARE(model.pathAt(row), paths.at(row));
         QCOMPARE(model.rescan(), 0);
-
         // A control bound again works on the new value, and the new row hears of it.
         VCSlider slider(nullptr, "gain");
         QVERIFY(slider.SetNumeric_ValuePath(rx("gain")));
         slider.setValue(45);
         QCOMPARE(textOf("gain"), QStringLiteral("45"));
         QCOMPARE(cell(model, rx("gain")), QStringLiteral("45"));
-    }
-
-    void modelOutlivesItsValues()
-    {
-        ValueTreeModel model(Instrument::root());
-        QCOMPARE(model.rowCount(), 0);
-        {
-            Instrument instrument;
-            QCOMPARE(model.rescan(), Instrument::paths().size());
-        }
-        QCOMPARE(model.rowCount(), 0);
-        // The model forgot the values without detaching; new ones are picked up as usual.
-        Instrument instrument;
-        QCOMPARE(model.rescan(), Instrument::paths().size());
-        QVERIFY(setText("gain", "5"));
-        QCOMPARE(cell(model, rx("gain")), QStringLiteral("5"));
     }
 
     void notificationsRefreshTheRow_data()
@@ -545,14 +527,12 @@ private Q_SLOTS:
         model.setClock([&clock] { return clock; });
         const int row = model.rowOfPath(rx("volume"));
         setText("volume", "70");
-
         // While the row glows the model repaints its background, and only its.
         QVERIFY(model.isFading());
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
         QVERIFY(changed.wait(1000));
         QCOMPARE(changed.last().at(0).toModelIndex().row(), row);
         QVERIFY(changed.last().at(2).value<QVector<int>>().contains(Qt::BackgroundRole));
-
         // Once cold it repaints a last time and then stays quiet.
         clock = model.fadeDuration();
         QVERIFY(changed.wait(1000));
@@ -590,8 +570,7 @@ private Q_SLOTS:
         ValueTreeModel* model = view.model();
         auto* disable = child<QPushButton>(view, "disableButton");
         auto* remove = child<QPushButton>(view, "removeButton");
-        QVERIFY(disable && remove);
-        QVERIFY(!remove->isEnabled());
+        QVERIFY(disable && remove && !remove->isEnabled());
         const QStringList chosen = {rx("gain"), rx("level"), rx("volume")};
         auto select = [&] {
             QItemSelection selection;
@@ -607,7 +586,6 @@ private Q_SLOTS:
         for (const QString& path : chosen)
             QCOMPARE(find(path)->GetState(), int(Disabled));
         QCOMPARE(find(rx("frequency"))->GetState(), int(Enabled));
-
         // Removing shifts the rows under each removed one; every chosen value must go, and only those.
         select();
         remove->click();
@@ -634,7 +612,6 @@ private Q_SLOTS:
         combo->setCurrentIndex(combo->findData(int(Disabled)));
         delegate.setModelData(editor, &model, state);
         QCOMPARE(find(rx("squelch"))->GetState(), int(Disabled));
-
         // Choosing in the list commits at once, without waiting for the editor to close.
         QList<QWidget*> committed;
         QList<QWidget*> closed;
@@ -672,13 +649,11 @@ private Q_SLOTS:
         QVERIFY(gain && gainVertical && frequency && frequencyReadout);
         QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
         QCOMPARE(frequency->value(), 7000);
-
         // Both controls on the gain follow each other and its state.
         gain->setValue(48);
         QCOMPARE(gainVertical->value(), 48);
         QVERIFY(switchTo(model, "gain", Disabled));
-        QVERIFY(!gain->isEnabled());
-        QVERIFY(!gainVertical->isEnabled());
+        QVERIFY(!gain->isEnabled() && !gainVertical->isEnabled());
         QVERIFY(switchTo(model, "frequency", Removed));
         QVERIFY(!frequencyReadout->isBound());
         QCOMPARE(frequencyReadout->text(), QStringLiteral("—"));
@@ -686,9 +661,7 @@ private Q_SLOTS:
         QVERIFY(!find(rx("frequency")));
         window.restoreInstrument();
         QCOMPARE(model->rowCount(), Instrument::paths().size());
-        QVERIFY(gain->isEnabled());
-        QVERIFY(gainVertical->isEnabled());
-        QVERIFY(frequencyReadout->isBound());
+        QVERIFY(gain->isEnabled() && gainVertical->isEnabled() && frequencyReadout->isBound());
         QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
         QCOMPARE(frequency->value(), 7000);
         // The scroll bar is bound to the re-created value again.
@@ -709,8 +682,7 @@ private Q_SLOTS:
         auto* preamp = child<VCCheckBox>(window, "preampCheckBox");
         auto* undo = child<VCButton>(window, "undo_button");
         auto* history = child<QLabel>(window, "undoHistory");
-        QVERIFY(attenuator && mode && louder && preamp && undo && history);
-        QVERIFY(!undo->isEnabled());
+        QVERIFY(attenuator && mode && louder && preamp && undo && history && !undo->isEnabled());
         QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
         clickBox(attenuator);
         QTest::mouseClick(mode, Qt::LeftButton);
@@ -718,7 +690,6 @@ private Q_SLOTS:
         QTest::mouseClick(louder, Qt::LeftButton);
         clickBox(preamp);
         setText("gain", "12");
-
         // attenuator, mode, volume and options before each undo; the program's gain stays throughout
         const QList<QStringList> stages = {
             {"true", "FM", "42", "Preamp"}, {"true", "FM", "42", "none"}, {"true", "FM", "41", "none"},
@@ -739,7 +710,6 @@ private Q_SLOTS:
         QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
         // The undo button's own choices were never recorded.
         QCOMPARE(values::UndoRecorder::Instance().Count(), 0);
-
         // The list names the newest edit first.
         clickBox(attenuator);
         QTest::mouseClick(louder, Qt::LeftButton);
@@ -766,14 +736,12 @@ private Q_SLOTS:
         QVERIFY(showPage(window, "Buttons and undo"));
         auto* check = window.findChild<VCCheckBox*>(box);
         auto* options = dynamic_cast<values::StringMultiSelection*>(find(rx("options")));
-        QVERIFY(check && options);
-        QVERIFY(check->isEnabled());
+        QVERIFY(check && options && check->isEnabled());
         QVERIFY(!check->isChecked());
         clickBox(check);
         for (int other = 1; other <= 3; ++other)
             QCOMPARE(options->IsItemChecked(other), other == key);
         QCOMPARE(textOf("options"), name);
-
         // Another item checked elsewhere leaves this box alone; its own item unchecked elsewhere clears it.
         const int neighbour = key % 3 + 1;
         options->SetItemChecked(neighbour, true, nullptr);
@@ -795,7 +763,6 @@ private Q_SLOTS:
         auto* mode = child<VCButton>(window, "modeButton");
         auto* modeReadout = child<ValueReadout>(window, "readout:/receiver/mode");
         QVERIFY(mode && modeReadout);
-
         // One click, the next mode with a picture of its own, around and back to the first.
         const QStringList names = {"AM", "FM", "USB", "LSB", "CW", "AM"};
         QList<QImage> pictures;
@@ -817,7 +784,6 @@ private Q_SLOTS:
         setText("mode", "LSB");
         QCOMPARE(mode->text(), QStringLiteral("LSB"));
         QCOMPARE(pictureOf(mode), pictures.at(3));
-
         // The two-item AGC button is a toggle, down while Fast; the check box on the same selection follows it.
         auto* agc = child<VCButton>(window, "agcButton");
         auto* fast = child<VCCheckBox>(window, "agcFastCheckBox");
@@ -849,7 +815,6 @@ private Q_SLOTS:
         QCOMPARE(volume(), 39);
         QTest::mouseClick(tuneUp, Qt::LeftButton);
         QCOMPARE(textOf("frequency"), QStringLiteral("7001"));
-
         // Held, the button goes on stepping after its delay, and stops with the release.
         QTest::mousePress(louder, Qt::LeftButton);
         QCOMPARE(volume(), 39);
@@ -858,14 +823,12 @@ private Q_SLOTS:
         const int released = volume();
         QTest::qWait(300);
         QCOMPARE(volume(), released);
-
         // The top of the range holds, with nothing to undo for the click that changed nothing.
         setText("volume", "100");
         const int recorded = values::UndoRecorder::Instance().Count();
         QTest::mouseClick(louder, Qt::LeftButton);
         QCOMPARE(volume(), 100);
         QCOMPARE(values::UndoRecorder::Instance().Count(), recorded);
-
         // The buttons take the state of the number they step, and leave a removed one alone.
         QVERIFY(switchTo(window.valueTreeModel(), "volume", Disabled));
         QVERIFY(!louder->isEnabled() && !softer->isEnabled());
@@ -892,7 +855,6 @@ private Q_SLOTS:
         const QString siteDecimal = site->text();
         const QString transmitterDecimal = transmitter->text();
         QVERIFY(siteDecimal.contains(QStringLiteral("59.8586")));
-
         // A format picked in one field shows in both, and in the application's selection; the positions stay.
         QVERIFY(pickFormat(site, QStringLiteral("UTM")));
         QCOMPARE(site->getFormat(), Utm);
@@ -906,7 +868,6 @@ private Q_SLOTS:
         QCOMPARE(site->getFormat(), GeoDecimal);
         QCOMPARE(site->text(), siteDecimal);
         QCOMPARE(transmitter->text(), transmitterDecimal);
-
         // A position typed into one field goes to its values only.
         site->setFocus();
         site->selectAll();
@@ -914,7 +875,6 @@ private Q_SLOTS:
         QTest::keyClick(site, Qt::Key_Return);
         QCOMPARE(textsOf({"site/latitude", "site/longitude"}), QStringList({"59.33", "18.07"}));
         QCOMPARE(transmitter->text(), transmitterDecimal);
-
         // After a removal and restore the field is bound to the re-created value.
         QVERIFY(values::Tree::Instance()->Remove(rx("site/latitude")));
         window.restoreInstrument();
@@ -929,8 +889,7 @@ private Q_SLOTS:
         GalleryWindow window(&instrument);
         QVERIFY(showPage(window, "Station"));
         auto* box = child<VCSpinSelectionBox>(window, "bandwidthSpinBox");
-        QVERIFY(box);
-        QVERIFY(box->isEnabled());
+        QVERIFY(box && box->isEnabled());
         QCOMPARE(box->minimum(), 0);
         QCOMPARE(box->maximum(), 6);
         QCOMPARE(box->text(), QStringLiteral("6.0 kHz"));
@@ -951,7 +910,6 @@ private Q_SLOTS:
         QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
         QTest::keyClick(box, Qt::Key_Down);
         QCOMPARE(textOf("bandwidth"), QStringLiteral("0.5 kHz"));
-
         // A new mode brings its filter with the next step of the receiver; within a mode the user's filter stays.
         setText("mode", "USB");
         QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
@@ -1004,8 +962,7 @@ private Q_SLOTS:
         QVERIFY(showPage(window, "Entry fields", true));
         auto* edit = window.findChild<VCLineEdit*>(field + QStringLiteral("LineEdit"));
         auto* label = window.findChild<ValueReadout*>(field + QStringLiteral("EntryReadout"));
-        QVERIFY(edit && label);
-        QVERIFY(edit->isEnabled());
+        QVERIFY(edit && label && edit->isEnabled());
         QCOMPARE(edit->text(), isFrequency ? QStringLiteral("7 MHz") : QStringLiteral("-95 dBm"));
         edit->setFocus();
         // The dial holds still while a frequency is typed, as it would on a receiver.
@@ -1030,14 +987,12 @@ private Q_SLOTS:
         QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
         QVERIFY(switchTo(model, "frequency", Disabled));
         QVERIFY(!edit->isEnabled());
-
         // Removed, the field lets go and keeps its text; restored, it edits the re-created frequency.
         QVERIFY(switchTo(model, "frequency", Removed));
         QVERIFY(!edit->GetValuePtr());
         QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
         window.restoreInstrument();
-        QVERIFY(edit->GetValuePtr());
-        QVERIFY(edit->isEnabled());
+        QVERIFY(edit->GetValuePtr() && edit->isEnabled());
         QCOMPARE(edit->text(), QStringLiteral("7 MHz"));
         retype(edit, QStringLiteral("9.4"));
         QCOMPARE(numberOf("frequency"), 9400.0);
@@ -1050,10 +1005,8 @@ private Q_SLOTS:
         QVERIFY(showPage(window, "Entry fields", true));
         auto* gain = child<VCNumericFloatSpin>(window, "gainSpinBox");
         auto* readout = child<ValueReadout>(window, "gainEntryReadout");
-        QVERIFY(gain && readout);
-        QVERIFY(gain->isEnabled());
+        QVERIFY(gain && readout && gain->isEnabled());
         QCOMPARE(gain->text(), QStringLiteral("30 dB"));
-
         // A burst of steps shows at once, and reaches the value as one edit when it is over.
         gain->setFocus();
         for (int i = 0; i < 3; ++i)
@@ -1086,8 +1039,7 @@ private Q_SLOTS:
         auto* notes = child<VCTextEdit>(window, "notesTextEdit");
         auto* noted = child<ValueReadout>(window, "notesEntryReadout");
         auto* squelch = child<VCLineEdit>(window, "squelchLineEdit");
-        QVERIFY(notes && noted && squelch);
-        QVERIFY(notes->isEnabled());
+        QVERIFY(notes && noted && squelch && notes->isEnabled());
         QCOMPARE(notes->GetText(), QStringLiteral("40 m band watch"));
         notes->setFocus();
         notes->moveCursor(QTextCursor::End);
