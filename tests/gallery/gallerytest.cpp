@@ -26,6 +26,12 @@
 
 namespace {
 
+/// The full path of the receiver's value \a leaf.
+QString rx(const char* leaf)
+{
+    return QStringLiteral("/receiver/") + QLatin1String(leaf);
+}
+
 values::ValueBase* find(const QString& path)
 {
     return values::Tree::Instance()->Find(path);
@@ -37,9 +43,46 @@ QString textOf(const QString& path)
     return value ? value->GetValueString() : QStringLiteral("<none>");
 }
 
-QString cell(const ValueTreeModel& model, const QString& path, int column)
+QString textOf(const char* leaf)
+{
+    return textOf(rx(leaf));
+}
+
+/// The texts of the receiver's values \a leaves, in order.
+QStringList textsOf(std::initializer_list<const char*> leaves)
+{
+    QStringList texts;
+    for (const char* leaf : leaves)
+        texts << textOf(leaf);
+    return texts;
+}
+
+/// Writes \a text to the receiver's value \a leaf as the program, not the user.
+bool setText(const char* leaf, const char* text)
+{
+    return find(rx(leaf))->SetValueFromText(QString::fromUtf8(text), nullptr);
+}
+
+double numberOf(const char* leaf)
+{
+    auto* number = dynamic_cast<values::IValueNumeric*>(find(rx(leaf)));
+    return number ? number->GetValue() : qQNaN();
+}
+
+QString cell(const ValueTreeModel& model, const QString& path, int column = ValueTreeModel::ValueColumn)
 {
     return model.index(model.rowOfPath(path), column).data().toString();
+}
+
+bool switchTo(ValueTreeModel* model, const char* leaf, int state)
+{
+    return model->switchState(model->rowOfPath(rx(leaf)), state);
+}
+
+template <class T>
+T* child(const QObject& parent, const char* name)
+{
+    return parent.findChild<T*>(QString::fromUtf8(name));
 }
 
 /// The texts of the live values after each of \a steps steps of a fresh instrument seeded with \a seed.
@@ -50,23 +93,25 @@ QStringList runInstrument(quint32 seed, int steps)
     QStringList trace;
     for (int i = 0; i < steps; ++i) {
         instrument.step();
-        trace << textOf(QStringLiteral("/receiver/level")) + QLatin1Char(' ')
-                     + textOf(QStringLiteral("/receiver/scan/position")) + QLatin1Char(' ')
-                     + textOf(QStringLiteral("/receiver/frequency"));
+        trace << textsOf({"level", "scan/position", "frequency"}).join(QLatin1Char(' '));
     }
     return trace;
 }
 
-/// Opens the tab titled \a title, shows the window and waits until it is on screen.
-bool showPage(GalleryWindow& window, const QString& title)
+/// Opens the tab titled \a title and shows the window; \a active also makes it take the keyboard focus.
+bool showPage(GalleryWindow& window, const char* title, bool active = false)
 {
     QTabWidget* pages = window.pages();
     for (int i = 0; i < pages->count(); ++i) {
-        if (pages->tabText(i) == title)
+        if (pages->tabText(i) == QLatin1String(title))
             pages->setCurrentIndex(i);
     }
     window.show();
-    return pages->tabText(pages->currentIndex()) == title && QTest::qWaitForWindowExposed(&window);
+    if (pages->tabText(pages->currentIndex()) != QLatin1String(title) || !QTest::qWaitForWindowExposed(&window))
+        return false;
+    if (active)
+        QApplication::setActiveWindow(&window);
+    return !active || QTest::qWaitForWindowActive(&window);
 }
 
 /// A left click on the box itself: a wide check box takes clicks only on its indicator and text.
@@ -78,7 +123,6 @@ void clickBox(QCheckBox* box)
     QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, indicator.center());
 }
 
-/// A left click on one arrow of a spin box.
 void clickArrow(QSpinBox* box, QStyle::SubControl arrow)
 {
     QStyleOptionSpinBox option;
@@ -108,24 +152,18 @@ bool pickFormat(QLineEdit* edit, const QString& format)
     return false;
 }
 
+/// Replaces the whole text of the focused field \a edit by \a typed and presses Return.
+void retype(QWidget* edit, const QString& typed)
+{
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(edit, typed);
+    QTest::keyClick(edit, Qt::Key_Return);
+}
+
 QImage pictureOf(const QAbstractButton* button)
 {
     return button->icon().pixmap(button->iconSize()).toImage();
-}
-
-/// showPage(), and the window made active, so that fields take the keyboard focus.
-bool showActivePage(GalleryWindow& window, const QString& title)
-{
-    if (!showPage(window, title))
-        return false;
-    QApplication::setActiveWindow(&window);
-    return QTest::qWaitForWindowActive(&window);
-}
-
-double numberOf(const QString& path)
-{
-    auto* number = dynamic_cast<values::IValueNumeric*>(find(path));
-    return number ? number->GetValue() : qQNaN();
 }
 
 /// Closes the next message box with its Ok button and keeps "title|text"; made before the input that raises it.
@@ -160,1068 +198,864 @@ class GalleryTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup();
-
-    void instrumentOwnsItsBranch();
-    void instrumentIsReproducible();
-    void turningTheDialStopsTheScan();
-    void scanHoldsOnACarrier();
-
-    void writeShowsInItsRowOnly_data();
-    void writeShowsInItsRowOnly();
-    void stateSwitchReachesValueAndControl_data();
-    void stateSwitchReachesValueAndControl();
-    void removeDropsTheRowAndTheControlLetsGo();
-    void restoreBringsValuesAndRowsBack();
-    void modelOutlivesItsValues();
-    void notificationsRefreshTheRow_data();
-    void notificationsRefreshTheRow();
-    void glowStopsTicking();
-    void rescanTakesOnlyTheRoot();
-    void viewSwitchesEverySelectedValue();
-    void stateEditorCommitsTheChoice();
-
-    void windowBindsWithoutChangingValues();
-    void windowFollowsStatesAndRestore();
-
-    void undoTakesBackClicksOneByOne();
-    void optionBoxesCheckTheirItemOnly_data();
-    void optionBoxesCheckTheirItemOnly();
-    void itemButtonsCycleWithTheirPictures();
-    void stepButtonsRepeatWhileHeld();
-    void coordinateFieldsShareTheFormat();
-    void bandwidthSpinBoxSteps();
-
-    void typedFieldsWriteAndClamp_data();
-    void typedFieldsWriteAndClamp();
-    void frequencyFieldFollowsStateAndRestore();
-    void gainSpinBoxCommitsAfterTheSteps();
-    void arrowButtonsStepTheVolume();
-    void notesAreWrittenOnFocusLoss();
-};
-
-void GalleryTest::cleanup()
-{
-    // The undo history and the position format outlive a window; each test starts without them.
-    values::UndoRecorder::Instance().Clear();
-    Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
-}
-
-void GalleryTest::instrumentOwnsItsBranch()
-{
-    QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+    void cleanup()
     {
-        Instrument instrument;
-        QCOMPARE(values::Tree::Instance()->PathsUnder(Instrument::root()), Instrument::paths());
-        QVERIFY(dynamic_cast<values::IValueNumeric*>(find(QStringLiteral("/receiver/gain"))));
-        QVERIFY(dynamic_cast<values::ValueSelection*>(find(QStringLiteral("/receiver/mode"))));
-        QVERIFY(dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options"))));
+        // The undo history and the position format outlive a window; each test starts without them.
+        values::UndoRecorder::Instance().Clear();
+        Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
     }
-    QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
-}
 
-void GalleryTest::instrumentIsReproducible()
-{
-    const QStringList first = runInstrument(7, 200);
-    const QStringList again = runInstrument(7, 200);
-    QCOMPARE(again, first);
-
-    // The run really moves: the meter shows more than a handful of levels, and the scan travels.
-    QSet<QString> levels;
-    QSet<QString> positions;
-    for (const QString& line : first) {
-        levels << line.section(QLatin1Char(' '), 0, 0);
-        positions << line.section(QLatin1Char(' '), 1, 1);
-    }
-    QVERIFY2(levels.size() > 5, qPrintable(QStringLiteral("%1 distinct levels").arg(levels.size())));
-    QVERIFY2(positions.size() > 10, qPrintable(QStringLiteral("%1 distinct positions").arg(positions.size())));
-
-    // The seed is what makes a run: another one draws other noise.
-    QVERIFY(runInstrument(8, 200) != first);
-
-    // setSeed() restarts the run even on an instrument that has run before.
-    Instrument instrument;
-    instrument.setSeed(7);
-    for (int i = 0; i < 30; ++i)
-        instrument.step();
-    QCOMPARE(instrument.simulatedMs(), qint64(30 * Instrument::StepMs));
-    instrument.setSeed(7);
-    QCOMPARE(instrument.stepCount(), quint64(0));
-}
-
-void GalleryTest::turningTheDialStopsTheScan()
-{
-    Instrument instrument;
-    instrument.setSeed(1);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("true"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("2"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7006"));
-
-    // The user moves the scan position: the scan stops and the frequency follows (7000 + 300 * 50 %).
-    find(QStringLiteral("/receiver/scan/position"))->SetValueFromText(QStringLiteral("50"), nullptr);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("false"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7150"));
-    for (int i = 0; i < 10; ++i)
-        instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("50"));
-
-    // Tuning the frequency inside the band moves the position along; outside it leaves it.
-    find(QStringLiteral("/receiver/frequency"))->SetValueFromText(QStringLiteral("7195"), nullptr);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("65"));
-    find(QStringLiteral("/receiver/frequency"))->SetValueFromText(QStringLiteral("14200"), nullptr);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("65"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("14200"));
-
-    // Restoring re-creates the position at 0; that is not the user turning the dial.
-    find(QStringLiteral("/receiver/scan/active"))->SetValueFromText(QStringLiteral("true"), nullptr);
-    values::Tree::Instance()->Remove(QStringLiteral("/receiver/scan/position"));
-    QCOMPARE(instrument.restore(), 1);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QStringLiteral("true"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QStringLiteral("2"));
-}
-
-void GalleryTest::scanHoldsOnACarrier()
-{
-    Instrument instrument;
-    instrument.setSeed(3);
-    find(QStringLiteral("/receiver/scan/speed"))->SetValueFromText(QStringLiteral("1"), nullptr);
-    find(QStringLiteral("/receiver/scan/hold"))->SetValueFromText(QStringLiteral("1"), nullptr);
-    const int holdSteps = 1000 / Instrument::StepMs;
-
-    int step = 0;
-    while (textOf(QStringLiteral("/receiver/carrier")) != QLatin1String("true") && step < 200) {
-        instrument.step();
-        ++step;
-    }
-    QVERIFY2(step < 200, "the scan found no station in its band");
-    const QString found = textOf(QStringLiteral("/receiver/scan/position"));
-    // The carrier opened at a station of the band: near 7030 kHz, the first one.
-    QVERIFY2(qAbs(textOf(QStringLiteral("/receiver/frequency")).toInt() - 7030) < 6, qPrintable(found));
-
-    for (int i = 0; i < holdSteps; ++i) {
-        instrument.step();
-        QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), found);
-    }
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QString::number(found.toInt() + 1));
-    // Having let go of the station, the scan moves on instead of holding on it a second time.
-    for (int i = 0; i < 5; ++i)
-        instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/position")), QString::number(found.toInt() + 6));
-}
-
-void GalleryTest::writeShowsInItsRowOnly_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("throughModel");
-    QTest::addColumn<QString>("shown");
-
-    QTest::newRow("int") << "/receiver/gain" << "42" << false << "42";
-    QTest::newRow("int clamped") << "/receiver/gain" << "99" << false << "60";
-    QTest::newRow("double") << "/receiver/frequency" << "7123.5" << false << "7123.5";
-    QTest::newRow("bool") << "/receiver/attenuator" << "on" << false << "true";
-    QTest::newRow("choice") << "/receiver/mode" << "USB" << false << "USB";
-    QTest::newRow("text") << "/receiver/notes" << "net at 19:00; QRP" << false << "net at 19:00; QRP";
-    QTest::newRow("edited in the view") << "/receiver/squelch" << "-70" << true << "-70";
-    QTest::newRow("edited choice") << "/receiver/mode" << "CW" << true << "CW";
-}
-
-void GalleryTest::writeShowsInItsRowOnly()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, text);
-    QFETCH(bool, throughModel);
-    QFETCH(QString, shown);
-
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    qint64 clock = 1000;
-    model.setClock([&clock] { return clock; });
-    QCOMPARE(model.rowCount(), Instrument::paths().size());
-    const int row = model.rowOfPath(path);
-    QVERIFY(row >= 0);
-    QCOMPARE(model.pathAt(row), path);
-
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    if (throughModel)
-        QVERIFY(model.setData(model.index(row, ValueTreeModel::ValueColumn), text));
-    else
-        QVERIFY(find(path)->SetValueFromText(text, nullptr));
-
-    QCOMPARE(textOf(path), shown);
-    QCOMPARE(cell(model, path, ValueTreeModel::ValueColumn), shown);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.at(0).at(0).toModelIndex().row(), row);
-    QCOMPARE(changed.at(0).at(1).toModelIndex().row(), row);
-
-    // The changed row glows, the others do not, and the glow is gone after the fade.
-    QCOMPARE(model.heat(row), 1.0);
-    QVERIFY(model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
-    for (int other = 0; other < model.rowCount(); ++other) {
-        if (other != row)
-            QCOMPARE(model.heat(other), 0.0);
-    }
-    clock += model.fadeDuration() / 2;
-    QCOMPARE(model.heat(row), 0.5);
-    clock += model.fadeDuration() / 2;
-    QCOMPARE(model.heat(row), 0.0);
-    QVERIFY(!model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
-}
-
-void GalleryTest::stateSwitchReachesValueAndControl_data()
-{
-    QTest::addColumn<bool>("throughSetData");
-    QTest::newRow("switchState") << false;
-    QTest::newRow("setData (the state editor)") << true;
-}
-
-void GalleryTest::stateSwitchReachesValueAndControl()
-{
-    QFETCH(bool, throughSetData);
-
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    VCSlider slider(nullptr, "gain");
-    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
-    QVERIFY(slider.isEnabled());
-    const int row = model.rowOfPath(QStringLiteral("/receiver/gain"));
-    const QModelIndex state = model.index(row, ValueTreeModel::StateColumn);
-    const QModelIndex value = model.index(row, ValueTreeModel::ValueColumn);
-    QSignalSpy switched(&model, &ValueTreeModel::stateSwitched);
-
-    auto switchTo = [&](int to) {
-        return throughSetData ? model.setData(state, to) : model.switchState(row, to);
-    };
-
-    QVERIFY(switchTo(Disabled));
-    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Disabled));
-    QVERIFY(!slider.isEnabled());
-    QCOMPARE(state.data().toString(), ValueTreeModel::stateName(Disabled));
-    QCOMPARE(state.data(ValueTreeModel::StateRole).toInt(), int(Disabled));
-    QCOMPARE(switched.count(), 1);
-    QCOMPARE(switched.at(0).at(0).toString(), QStringLiteral("/receiver/gain"));
-    // A disabled value cannot be edited in the view either.
-    QVERIFY(!(model.flags(value) & Qt::ItemIsEditable));
-    QVERIFY(!model.setData(value, QStringLiteral("12")));
-    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("30"));
-
-    QVERIFY(switchTo(Enabled));
-    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Enabled));
-    QVERIFY(slider.isEnabled());
-    QVERIFY(model.flags(value) & Qt::ItemIsEditable);
-
-    // States that do not exist and rows that do not exist change nothing.
-    QVERIFY(!switchTo(7));
-    QVERIFY(!model.switchState(model.rowCount(), Disabled));
-    QVERIFY(!model.switchState(-1, Disabled));
-    QCOMPARE(find(QStringLiteral("/receiver/gain"))->GetState(), int(Enabled));
-    QCOMPARE(switched.count(), 2);
-}
-
-void GalleryTest::removeDropsTheRowAndTheControlLetsGo()
-{
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    const int rows = model.rowCount();
-    VCSlider slider(nullptr, "gain");
-    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
-    const int gainRow = model.rowOfPath(QStringLiteral("/receiver/gain"));
-    const int levelRow = model.rowOfPath(QStringLiteral("/receiver/level"));
-    QVERIFY(levelRow > gainRow);
-
-    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    QVERIFY(model.switchState(gainRow, Removed));
-    QCOMPARE(removed.count(), 1);
-    QCOMPARE(removed.at(0).at(1).toInt(), gainRow);
-    QCOMPARE(model.rowCount(), rows - 1);
-    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/gain")), -1);
-    QVERIFY(!find(QStringLiteral("/receiver/gain")));
-
-    // The slider lets go and keeps working on its own, writing nowhere.
-    slider.setValue(12);
-    QCOMPARE(slider.value(), 12);
-    QVERIFY(!find(QStringLiteral("/receiver/gain")));
-
-    // Rows after the removed one moved up; a change must still reach the right one.
-    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/level")), levelRow - 1);
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    find(QStringLiteral("/receiver/level"))->SetValueFromText(QStringLiteral("-42"), nullptr);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow - 1);
-    QCOMPARE(cell(model, QStringLiteral("/receiver/level"), ValueTreeModel::ValueColumn), QStringLiteral("-42"));
-
-    // Someone else removing a value drops its row too.
-    QVERIFY(values::Tree::Instance()->Remove(QStringLiteral("/receiver/volume")));
-    QCOMPARE(model.rowCount(), rows - 2);
-    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/volume")), -1);
-
-    // A value only marked Removed stays in the tree, so its row stays and says so.
-    find(QStringLiteral("/receiver/notes"))->SetState(Removed, nullptr);
-    QCOMPARE(model.rowCount(), rows - 2);
-    QCOMPARE(cell(model, QStringLiteral("/receiver/notes"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
-}
-
-void GalleryTest::restoreBringsValuesAndRowsBack()
-{
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    const QStringList paths = Instrument::paths();
-    QCOMPARE(instrument.restore(), 0);
-    QCOMPARE(model.rescan(), 0);
-
-    find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("55"), nullptr);
-    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/gain")), Removed));
-    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/squelch")), Removed));
-    QVERIFY(model.switchState(model.rowOfPath(QStringLiteral("/receiver/volume")), Disabled));
-    find(QStringLiteral("/receiver/notes"))->SetState(Removed, nullptr);
-    QCOMPARE(model.rowCount(), paths.size() - 2);
-
-    QSignalSpy restored(&instrument, &Instrument::restored);
-    QCOMPARE(instrument.restore(), 2);
-    QCOMPARE(restored.count(), 1);
-    QCOMPARE(restored.at(0).at(0).toInt(), 2);
-    for (const QString& path : paths)
-        QCOMPARE(find(path)->GetState(), int(Enabled));
-    // Re-created values start over from their initial contents.
-    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("30"));
-
-    QCOMPARE(model.rescan(), 2);
-    QCOMPARE(model.rowCount(), paths.size());
-    for (int row = 0; row < paths.size(); ++row)
-        QCOMPARE(model.pathAt(row), paths.at(row));
-    QCOMPARE(model.rescan(), 0);
-
-    // A control bound again works on the new value, and the new row hears of it.
-    VCSlider slider(nullptr, "gain");
-    QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/receiver/gain")));
-    slider.setValue(45);
-    QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("45"));
-    QCOMPARE(cell(model, QStringLiteral("/receiver/gain"), ValueTreeModel::ValueColumn), QStringLiteral("45"));
-}
-
-void GalleryTest::modelOutlivesItsValues()
-{
-    ValueTreeModel model(Instrument::root());
-    QCOMPARE(model.rowCount(), 0);
+    void instrumentOwnsItsBranchAndTheModelOutlivesIt()
     {
+        ValueTreeModel model(Instrument::root());
+        QCOMPARE(model.rowCount(), 0);
+        QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+        {
+            Instrument instrument;
+            QCOMPARE(values::Tree::Instance()->PathsUnder(Instrument::root()), Instrument::paths());
+            QVERIFY(dynamic_cast<values::IValueNumeric*>(find(rx("gain"))));
+            QVERIFY(dynamic_cast<values::ValueSelection*>(find(rx("mode"))));
+            QVERIFY(dynamic_cast<values::StringMultiSelection*>(find(rx("options"))));
+            QCOMPARE(model.rescan(), Instrument::paths().size());
+        }
+        QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
+        QCOMPARE(model.rowCount(), 0);
+        // The model forgot the values without detaching; new ones are picked up as usual.
         Instrument instrument;
         QCOMPARE(model.rescan(), Instrument::paths().size());
+        QVERIFY(setText("gain", "5"));
+        QCOMPARE(cell(model, rx("gain")), QStringLiteral("5"));
     }
-    QCOMPARE(model.rowCount(), 0);
-    // The model forgot the values without detaching; new ones are picked up as usual.
-    Instrument instrument;
-    QCOMPARE(model.rescan(), Instrument::paths().size());
-    QVERIFY(find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("5"), nullptr));
-    QCOMPARE(cell(model, QStringLiteral("/receiver/gain"), ValueTreeModel::ValueColumn), QStringLiteral("5"));
-}
 
-void GalleryTest::notificationsRefreshTheRow_data()
-{
-    using Change = std::function<void()>;
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<bool>("refreshed");
-
-    auto numeric = [](const char* path) { return dynamic_cast<values::IntNumeric*>(find(QString::fromLatin1(path))); };
-    auto mode = [] { return dynamic_cast<values::ValueSelection*>(find(QStringLiteral("/receiver/mode"))); };
-
-    QTest::newRow("range") << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetRange(-10, 80, 1); })
-                           << int(ValueTreeModel::TypeColumn) << "int -10…80" << true;
-    QTest::newRow("range clamps the value")
-        << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetRange(0, 20, 1); })
-        << int(ValueTreeModel::ValueColumn) << "20" << true;
-    QTest::newRow("item added") << "/receiver/mode" << Change([=] { mode()->AddItem(QStringLiteral("DRM"), 5, 5, nullptr); })
-                                << int(ValueTreeModel::TypeColumn) << "choice of 6" << true;
-    QTest::newRow("items cleared") << "/receiver/mode" << Change([=] { mode()->ClearItems(nullptr); })
-                                   << int(ValueTreeModel::ValueColumn) << "" << true;
-    QTest::newRow("item checked") << "/receiver/options"
-                                  << Change([] {
-                                         dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options")))
-                                             ->SetItemChecked(3, true, nullptr);
-                                     })
-                                  << int(ValueTreeModel::ValueColumn) << "Preamp" << true;
-    // A pending number is not the value: nothing to show.
-    QTest::newRow("pending number") << "/receiver/gain" << Change([=] { numeric("/receiver/gain")->SetPendingValue(50, nullptr); })
-                                    << int(ValueTreeModel::ValueColumn) << "30" << false;
-}
-
-void GalleryTest::notificationsRefreshTheRow()
-{
-    QFETCH(QString, path);
-    QFETCH(std::function<void()>, change);
-    QFETCH(int, column);
-    QFETCH(QString, shown);
-    QFETCH(bool, refreshed);
-
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    QSignalSpy arrived(&model, &ValueTreeModel::changeArrived);
-    change();
-    QCOMPARE(cell(model, path, column), shown);
-    QCOMPARE(!changed.isEmpty(), refreshed);
-    QCOMPARE(!arrived.isEmpty(), refreshed);
-    for (const QList<QVariant>& signal : qAsConst(changed))
-        QCOMPARE(signal.at(0).toModelIndex().row(), model.rowOfPath(path));
-    for (const QList<QVariant>& signal : qAsConst(arrived))
-        QCOMPARE(signal.at(0).toString(), path);
-}
-
-void GalleryTest::glowStopsTicking()
-{
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    qint64 clock = 0;
-    model.setClock([&clock] { return clock; });
-    const int row = model.rowOfPath(QStringLiteral("/receiver/volume"));
-    find(QStringLiteral("/receiver/volume"))->SetValueFromText(QStringLiteral("70"), nullptr);
-
-    // While the row glows the model repaints its background, and only its.
-    QVERIFY(model.isFading());
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    QVERIFY(changed.wait(1000));
-    QCOMPARE(changed.last().at(0).toModelIndex().row(), row);
-    QVERIFY(changed.last().at(2).value<QVector<int>>().contains(Qt::BackgroundRole));
-
-    // Once cold it repaints a last time and then stays quiet.
-    clock = model.fadeDuration();
-    QVERIFY(changed.wait(1000));
-    QCOMPARE(model.heat(row), 0.0);
-    QVERIFY(!model.isFading());
-    const int settled = changed.count();
-    QVERIFY(!changed.wait(200));
-    QCOMPARE(changed.count(), settled);
-}
-
-void GalleryTest::rescanTakesOnlyTheRoot()
-{
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    values::Tree* tree = values::Tree::Instance();
-    QVERIFY(tree->Add(QStringLiteral("/receiverless/x"), new values::IntValue(1)));
-    QVERIFY(tree->Add(QStringLiteral("/receiver/zz/extra"), new values::IntValue(2)));
-    QVERIFY(tree->Add(QStringLiteral("/receiver/aa"), new values::IntValue(3)));
-    QCOMPARE(model.rescan(), 2);
-    QCOMPARE(model.pathAt(0), QStringLiteral("/receiver/aa"));
-    QCOMPARE(model.pathAt(model.rowCount() - 1), QStringLiteral("/receiver/zz/extra"));
-    QCOMPARE(model.rowOfPath(QStringLiteral("/receiverless/x")), -1);
-
-    ValueTreeModel everything;
-    QVERIFY(everything.rowOfPath(QStringLiteral("/receiverless/x")) >= 0);
-    QCOMPARE(everything.rowCount(), tree->Count());
-
-    for (const char* path : {"/receiverless/x", "/receiver/zz/extra", "/receiver/aa"})
-        tree->Remove(QString::fromLatin1(path));
-    QCOMPARE(model.rowCount(), Instrument::paths().size());
-}
-
-void GalleryTest::viewSwitchesEverySelectedValue()
-{
-    Instrument instrument;
-    ValueTreeView view(Instrument::root());
-    ValueTreeModel* model = view.model();
-    auto* disable = view.findChild<QPushButton*>(QStringLiteral("disableButton"));
-    auto* remove = view.findChild<QPushButton*>(QStringLiteral("removeButton"));
-    QVERIFY(disable && remove);
-    QVERIFY(!remove->isEnabled());
-
-    const QStringList chosen = {QStringLiteral("/receiver/gain"), QStringLiteral("/receiver/level"),
-                                QStringLiteral("/receiver/volume")};
-    auto select = [&] {
-        QItemSelection selection;
-        for (const QString& path : chosen) {
-            const int row = model->rowOfPath(path);
-            selection.select(model->index(row, 0), model->index(row, ValueTreeModel::ColumnCount - 1));
+    void instrumentIsReproducible()
+    {
+        const QStringList first = runInstrument(7, 200);
+        QCOMPARE(runInstrument(7, 200), first);
+        QVERIFY(runInstrument(8, 200) != first);
+        // The run really moves: the meter shows more than a handful of levels, and the scan travels.
+        QSet<QString> levels;
+        QSet<QString> positions;
+        for (const QString& line : first) {
+            levels << line.section(QLatin1Char(' '), 0, 0);
+            positions << line.section(QLatin1Char(' '), 1, 1);
         }
-        view.table()->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    };
-
-    select();
-    QVERIFY(remove->isEnabled());
-    disable->click();
-    for (const QString& path : chosen)
-        QCOMPARE(find(path)->GetState(), int(Disabled));
-    QCOMPARE(find(QStringLiteral("/receiver/frequency"))->GetState(), int(Enabled));
-
-    // Removing shifts the rows under each removed one; every chosen value must go, and only those.
-    select();
-    remove->click();
-    for (const QString& path : chosen) {
-        QVERIFY2(!find(path), qPrintable(path));
-        QCOMPARE(model->rowOfPath(path), -1);
+        QVERIFY2(levels.size() > 5, qPrintable(QStringLiteral("%1 distinct levels").arg(levels.size())));
+        QVERIFY2(positions.size() > 10, qPrintable(QStringLiteral("%1 distinct positions").arg(positions.size())));
+        // setSeed() restarts the run even on an instrument that has run before.
+        Instrument instrument;
+        instrument.setSeed(7);
+        for (int i = 0; i < 30; ++i)
+            instrument.step();
+        QCOMPARE(instrument.simulatedMs(), qint64(30 * Instrument::StepMs));
+        instrument.setSeed(7);
+        QCOMPARE(instrument.stepCount(), quint64(0));
     }
-    QCOMPARE(model->rowCount(), Instrument::paths().size() - chosen.size());
-    QVERIFY(find(QStringLiteral("/receiver/frequency")));
-    QVERIFY(find(QStringLiteral("/receiver/mode")));
-}
 
-void GalleryTest::stateEditorCommitsTheChoice()
-{
-    Instrument instrument;
-    ValueTreeModel model(Instrument::root());
-    ValueStateDelegate delegate;
-    QWidget parent;
-    const QModelIndex state = model.index(model.rowOfPath(QStringLiteral("/receiver/squelch")), ValueTreeModel::StateColumn);
-
-    QWidget* editor = delegate.createEditor(&parent, QStyleOptionViewItem(), state);
-    auto* combo = qobject_cast<QComboBox*>(editor);
-    QVERIFY(combo);
-    delegate.setEditorData(editor, state);
-    QCOMPARE(combo->currentData().toInt(), int(Enabled));
-
-    combo->setCurrentIndex(combo->findData(int(Disabled)));
-    delegate.setModelData(editor, &model, state);
-    QCOMPARE(find(QStringLiteral("/receiver/squelch"))->GetState(), int(Disabled));
-
-    // Choosing in the list commits at once, without waiting for the editor to close.
-    QList<QWidget*> committed;
-    QList<QWidget*> closed;
-    connect(&delegate, &QAbstractItemDelegate::commitData, this, [&](QWidget* w) { committed << w; });
-    connect(&delegate, &QAbstractItemDelegate::closeEditor, this, [&](QWidget* w) { closed << w; });
-    combo->activated(combo->findData(int(Enabled)));
-    QCOMPARE(committed, QList<QWidget*>{editor});
-    QCOMPARE(closed, QList<QWidget*>{editor});
-
-    combo->setCurrentIndex(combo->findData(int(Removed)));
-    delegate.setModelData(editor, &model, state);
-    QVERIFY(!find(QStringLiteral("/receiver/squelch")));
-    QCOMPARE(model.rowOfPath(QStringLiteral("/receiver/squelch")), -1);
-}
-
-void GalleryTest::windowBindsWithoutChangingValues()
-{
-    Instrument instrument;
-    QStringList before;
-    for (const QString& path : Instrument::paths())
-        before << textOf(path);
-    GalleryWindow window(&instrument);
-    QStringList after;
-    for (const QString& path : Instrument::paths())
-        after << textOf(path);
-    QCOMPARE(after, before);
-
-    // And the controls show the values they were bound to.
-    QCOMPARE(window.findChild<VCScrollBar*>(QStringLiteral("frequencyScrollBar"))->value(), 7000);
-    QCOMPARE(window.findChild<VCSlider*>(QStringLiteral("squelchSlider"))->value(), -95);
-    QCOMPARE(window.findChild<VCScrollBar*>(QStringLiteral("squelchScrollBar"))->value(), -95);
-    QCOMPARE(window.findChild<VCSlider*>(QStringLiteral("scanSpeedSlider"))->value(), 2);
-}
-
-void GalleryTest::windowFollowsStatesAndRestore()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    ValueTreeModel* model = window.valueTreeModel();
-    auto* gain = window.findChild<VCSlider*>(QStringLiteral("gainSlider"));
-    auto* gainVertical = window.findChild<VCSlider*>(QStringLiteral("gainVerticalSlider"));
-    auto* frequency = window.findChild<VCScrollBar*>(QStringLiteral("frequencyScrollBar"));
-    auto* frequencyReadout = window.findChild<ValueReadout*>(QStringLiteral("readout:/receiver/frequency"));
-    QVERIFY(gain && gainVertical && frequency && frequencyReadout);
-    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
-
-    // Both controls on the gain follow each other and its state.
-    gain->setValue(48);
-    QCOMPARE(gainVertical->value(), 48);
-    QVERIFY(model->switchState(model->rowOfPath(QStringLiteral("/receiver/gain")), Disabled));
-    QVERIFY(!gain->isEnabled());
-    QVERIFY(!gainVertical->isEnabled());
-
-    QVERIFY(model->switchState(model->rowOfPath(QStringLiteral("/receiver/frequency")), Removed));
-    QVERIFY(!frequencyReadout->isBound());
-    QCOMPARE(frequencyReadout->text(), QStringLiteral("—"));
-    frequency->setValue(9000); // unbound: moves only itself
-    QVERIFY(!find(QStringLiteral("/receiver/frequency")));
-
-    window.restoreInstrument();
-    QCOMPARE(model->rowCount(), Instrument::paths().size());
-    QVERIFY(gain->isEnabled());
-    QVERIFY(gainVertical->isEnabled());
-    QVERIFY(frequencyReadout->isBound());
-    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
-    QCOMPARE(frequency->value(), 7000);
-    // The scroll bar is bound to the re-created value again.
-    frequency->setValue(7100);
-    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7100"));
-    QCOMPARE(frequencyReadout->text(), QStringLiteral("7.100 MHz"));
-    QCOMPARE(cell(*model, QStringLiteral("/receiver/frequency"), ValueTreeModel::ValueColumn), QStringLiteral("7100"));
-}
-
-void GalleryTest::undoTakesBackClicksOneByOne()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
-    auto* attenuator = window.findChild<VCCheckBox*>(QStringLiteral("attenuatorCheckBox"));
-    auto* mode = window.findChild<VCButton*>(QStringLiteral("modeButton"));
-    auto* louder = window.findChild<VCButton*>(QStringLiteral("volumeUpButton"));
-    auto* preamp = window.findChild<VCCheckBox*>(QStringLiteral("preampCheckBox"));
-    auto* undo = window.findChild<VCButton*>(QStringLiteral("undo_button"));
-    auto* history = window.findChild<QLabel*>(QStringLiteral("undoHistory"));
-    QVERIFY(attenuator && mode && louder && preamp && undo && history);
-    QVERIFY(!undo->isEnabled());
-    QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
-
-    clickBox(attenuator);
-    QTest::mouseClick(mode, Qt::LeftButton);
-    QTest::mouseClick(louder, Qt::LeftButton);
-    QTest::mouseClick(louder, Qt::LeftButton);
-    clickBox(preamp);
-    // An edit by the program is no edit of the user's and stays when the user's are undone.
-    find(QStringLiteral("/receiver/gain"))->SetValueFromText(QStringLiteral("12"), nullptr);
-
-    struct Stage
+    void turningTheDialStopsTheScan()
     {
-        QString attenuator, mode, volume, options;
-    };
-    const QList<Stage> stages = {
-        {"true", "FM", "42", "Preamp"}, {"true", "FM", "42", "none"}, {"true", "FM", "41", "none"},
-        {"true", "FM", "40", "none"},   {"true", "AM", "40", "none"}, {"false", "AM", "40", "none"},
-    };
-    for (int i = 0; i < stages.size(); ++i) {
-        const Stage& stage = stages.at(i);
-        QCOMPARE(textOf(QStringLiteral("/receiver/attenuator")), stage.attenuator);
-        QCOMPARE(textOf(QStringLiteral("/receiver/mode")), stage.mode);
-        QCOMPARE(textOf(QStringLiteral("/receiver/volume")), stage.volume);
-        QCOMPARE(textOf(QStringLiteral("/receiver/options")), stage.options);
-        QCOMPARE(textOf(QStringLiteral("/receiver/gain")), QStringLiteral("12"));
-        // The controls show what the undo brought back.
-        QCOMPARE(attenuator->isChecked(), stage.attenuator == QLatin1String("true"));
-        QCOMPARE(mode->text(), stage.mode);
-        QCOMPARE(preamp->isChecked(), stage.options == QLatin1String("Preamp"));
-        const int left = stages.size() - 1 - i;
-        QCOMPARE(history->text().split(QLatin1Char('\n')).size(), left ? left : 1);
-        QCOMPARE(undo->isEnabled(), left > 0);
-        if (left)
-            QTest::mouseClick(undo, Qt::LeftButton);
+        Instrument instrument;
+        instrument.setSeed(1);
+        instrument.step();
+        QCOMPARE(textsOf({"scan/active", "scan/position", "frequency"}), QStringList({"true", "2", "7006"}));
+        // The user moves the scan position: the scan stops and the frequency follows (7000 + 300 * 50 %).
+        setText("scan/position", "50");
+        instrument.step();
+        QCOMPARE(textsOf({"scan/active", "frequency"}), QStringList({"false", "7150"}));
+        for (int i = 0; i < 10; ++i)
+            instrument.step();
+        QCOMPARE(textOf("scan/position"), QStringLiteral("50"));
+        // Tuning inside the band moves the position along; outside it leaves it.
+        setText("frequency", "7195");
+        instrument.step();
+        QCOMPARE(textOf("scan/position"), QStringLiteral("65"));
+        setText("frequency", "14200");
+        instrument.step();
+        QCOMPARE(textsOf({"scan/position", "frequency"}), QStringList({"65", "14200"}));
+        // Restoring re-creates the position at 0; that is not the user turning the dial.
+        setText("scan/active", "true");
+        values::Tree::Instance()->Remove(rx("scan/position"));
+        QCOMPARE(instrument.restore(), 1);
+        instrument.step();
+        QCOMPARE(textsOf({"scan/active", "scan/position"}), QStringList({"true", "2"}));
     }
-    QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
-    // Undoing left nothing to undo, and the undo button's own choices were never recorded.
-    QCOMPARE(values::UndoRecorder::Instance().Count(), 0);
 
-    // The list names the newest edit first, as the framework describes it.
-    clickBox(attenuator);
-    QTest::mouseClick(louder, Qt::LeftButton);
-    QCOMPARE(history->text(), QStringLiteral("/receiver/volume: 40 → 41\n/receiver/attenuator: false → true"));
-}
-
-void GalleryTest::optionBoxesCheckTheirItemOnly_data()
-{
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("noise blanker") << "noiseBlankerCheckBox" << 1 << "Noise blanker";
-    QTest::newRow("notch") << "notchCheckBox" << 2 << "Notch";
-    QTest::newRow("preamp") << "preampCheckBox" << 3 << "Preamp";
-}
-
-void GalleryTest::optionBoxesCheckTheirItemOnly()
-{
-    QFETCH(QString, box);
-    QFETCH(int, key);
-    QFETCH(QString, name);
-
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
-    auto* check = window.findChild<VCCheckBox*>(box);
-    auto* options = dynamic_cast<values::StringMultiSelection*>(find(QStringLiteral("/receiver/options")));
-    QVERIFY(check && options);
-    QVERIFY(check->isEnabled());
-    QVERIFY(!check->isChecked());
-
-    clickBox(check);
-    for (int other = 1; other <= 3; ++other)
-        QCOMPARE(options->IsItemChecked(other), other == key);
-    QCOMPARE(textOf(QStringLiteral("/receiver/options")), name);
-
-    // Another item checked elsewhere leaves this box alone; its own item unchecked elsewhere clears it.
-    const int neighbour = key % 3 + 1;
-    options->SetItemChecked(neighbour, true, nullptr);
-    QVERIFY(check->isChecked());
-    options->SetItemChecked(key, false, nullptr);
-    QVERIFY(!check->isChecked());
-    QVERIFY(options->IsItemChecked(neighbour));
-
-    // A disabled options value disables every box of it.
-    options->SetState(Disabled, nullptr);
-    QVERIFY(!check->isEnabled());
-    clickBox(check);
-    QVERIFY(!options->IsItemChecked(key));
-}
-
-void GalleryTest::itemButtonsCycleWithTheirPictures()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
-    auto* mode = window.findChild<VCButton*>(QStringLiteral("modeButton"));
-    auto* modeReadout = window.findChild<ValueReadout*>(QStringLiteral("readout:/receiver/mode"));
-    QVERIFY(mode && modeReadout);
-
-    // One click, the next mode with a picture of its own, around and back to the first.
-    const QStringList names = {"AM", "FM", "USB", "LSB", "CW", "AM"};
-    QList<QImage> pictures;
-    for (int i = 0; i < names.size(); ++i) {
-        if (i)
-            QTest::mouseClick(mode, Qt::LeftButton);
-        QCOMPARE(textOf(QStringLiteral("/receiver/mode")), names.at(i));
-        QCOMPARE(mode->text(), names.at(i));
-        QCOMPARE(modeReadout->text(), names.at(i));
-        QVERIFY(!mode->isDown());
-        pictures << pictureOf(mode);
-        QVERIFY(!pictures.last().isNull());
-    }
-    for (int i = 0; i < 5; ++i) {
-        for (int j = i + 1; j < 5; ++j)
-            QVERIFY2(pictures.at(i) != pictures.at(j), qPrintable(names.at(i) + QLatin1Char('/') + names.at(j)));
-    }
-    QCOMPARE(pictures.last(), pictures.first());
-    // A mode set elsewhere shows as well.
-    find(QStringLiteral("/receiver/mode"))->SetValueFromText(QStringLiteral("LSB"), nullptr);
-    QCOMPARE(mode->text(), QStringLiteral("LSB"));
-    QCOMPARE(pictureOf(mode), pictures.at(3));
-
-    // The two-item AGC button is a toggle, down while Fast, and the check box on the same selection
-    // follows it both ways.
-    auto* agc = window.findChild<VCButton*>(QStringLiteral("agcButton"));
-    auto* fast = window.findChild<VCCheckBox*>(QStringLiteral("agcFastCheckBox"));
-    QVERIFY(agc && fast);
-    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Slow"));
-    QVERIFY(!agc->isDown());
-    QVERIFY(!fast->isChecked());
-    const QImage slow = pictureOf(agc);
-    QTest::mouseClick(agc, Qt::LeftButton);
-    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Fast"));
-    QVERIFY(agc->isDown());
-    QVERIFY(pictureOf(agc) != slow);
-    QVERIFY(fast->isChecked());
-    clickBox(fast);
-    QCOMPARE(textOf(QStringLiteral("/receiver/agc")), QStringLiteral("Slow"));
-    QVERIFY(!agc->isDown());
-    QCOMPARE(pictureOf(agc), slow);
-}
-
-void GalleryTest::stepButtonsRepeatWhileHeld()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Buttons and undo")));
-    auto* louder = window.findChild<VCButton*>(QStringLiteral("volumeUpButton"));
-    auto* softer = window.findChild<VCButton*>(QStringLiteral("volumeDownButton"));
-    auto* tuneUp = window.findChild<VCButton*>(QStringLiteral("tuneUpButton"));
-    QVERIFY(louder && softer && tuneUp);
-    auto volume = [] { return textOf(QStringLiteral("/receiver/volume")).toInt(); };
-
-    QTest::mouseClick(softer, Qt::LeftButton);
-    QCOMPARE(volume(), 39);
-    QTest::mouseClick(tuneUp, Qt::LeftButton);
-    QCOMPARE(textOf(QStringLiteral("/receiver/frequency")), QStringLiteral("7001"));
-
-    // Held, the button goes on stepping after its delay, and stops with the release.
-    QTest::mousePress(louder, Qt::LeftButton);
-    QCOMPARE(volume(), 39);
-    QTRY_VERIFY_WITH_TIMEOUT(volume() >= 42, 3000);
-    QTest::mouseRelease(louder, Qt::LeftButton);
-    const int released = volume();
-    QTest::qWait(300);
-    QCOMPARE(volume(), released);
-
-    // The top of the range holds, with nothing to undo for the click that changed nothing.
-    find(QStringLiteral("/receiver/volume"))->SetValueFromText(QStringLiteral("100"), nullptr);
-    const int recorded = values::UndoRecorder::Instance().Count();
-    QTest::mouseClick(louder, Qt::LeftButton);
-    QCOMPARE(volume(), 100);
-    QCOMPARE(values::UndoRecorder::Instance().Count(), recorded);
-
-    // The buttons take the state of the number they step, and leave a removed one alone.
-    QVERIFY(window.valueTreeModel()->switchState(window.valueTreeModel()->rowOfPath(QStringLiteral("/receiver/volume")),
-                                                 Disabled));
-    QVERIFY(!louder->isEnabled());
-    QVERIFY(!softer->isEnabled());
-    QVERIFY(tuneUp->isEnabled());
-    QVERIFY(window.valueTreeModel()->switchState(window.valueTreeModel()->rowOfPath(QStringLiteral("/receiver/volume")),
-                                                 Removed));
-    window.restoreInstrument();
-    QVERIFY(louder->isEnabled());
-    QTest::mouseClick(louder, Qt::LeftButton);
-    QCOMPARE(volume(), 41);
-}
-
-void GalleryTest::coordinateFieldsShareTheFormat()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Station")));
-    auto* site = window.findChild<VCCoordEdit*>(QStringLiteral("siteCoordEdit"));
-    auto* transmitter = window.findChild<VCCoordEdit*>(QStringLiteral("transmitterCoordEdit"));
-    auto* format = window.findChild<ValueReadout*>(QStringLiteral("readout:") + Plinthor::PositionFormatPath());
-    QVERIFY(site && transmitter && format);
-    QCOMPARE(site->GetLatitude(), 59.8586);
-    QCOMPARE(transmitter->GetLongitude(), 12.3961);
-    QCOMPARE(format->text(), QStringLiteral("Decimal degrees"));
-    const QString siteDecimal = site->text();
-    const QString transmitterDecimal = transmitter->text();
-    QVERIFY(siteDecimal.contains(QStringLiteral("59.8586")));
-
-    // A format picked in one field shows in both, and in the application's selection.
-    QVERIFY(pickFormat(site, QStringLiteral("UTM")));
-    QCOMPARE(site->getFormat(), Utm);
-    QCOMPARE(transmitter->getFormat(), Utm);
-    QCOMPARE(Plinthor::Instance().GetPositionFormat()->GetCurrentKey(), long(Utm));
-    QCOMPARE(format->text(), QStringLiteral("UTM"));
-    QVERIFY(site->text().startsWith(QStringLiteral("33V")));
-    QVERIFY(transmitter->text().startsWith(QStringLiteral("33V")));
-    // Only the text changed: the positions are the values' as before.
-    QCOMPARE(textOf(QStringLiteral("/receiver/site/latitude")), QStringLiteral("59.8586"));
-
-    QVERIFY(pickFormat(transmitter, QStringLiteral("Decimal degrees")));
-    QCOMPARE(site->getFormat(), GeoDecimal);
-    QCOMPARE(site->text(), siteDecimal);
-    QCOMPARE(transmitter->text(), transmitterDecimal);
-
-    // A position typed into one field goes to its values only.
-    site->setFocus();
-    site->selectAll();
-    QTest::keyClicks(site, QStringLiteral("59.33 18.07"));
-    QTest::keyClick(site, Qt::Key_Return);
-    QCOMPARE(textOf(QStringLiteral("/receiver/site/latitude")), QStringLiteral("59.33"));
-    QCOMPARE(textOf(QStringLiteral("/receiver/site/longitude")), QStringLiteral("18.07"));
-    QCOMPARE(transmitter->text(), transmitterDecimal);
-
-    // After a removal and restore the field is bound to the re-created value.
-    QVERIFY(values::Tree::Instance()->Remove(QStringLiteral("/receiver/site/latitude")));
-    window.restoreInstrument();
-    QCOMPARE(site->GetLatitude(), 59.8586);
-    find(QStringLiteral("/receiver/site/latitude"))->SetValueFromText(QStringLiteral("58.41"), nullptr);
-    QCOMPARE(site->GetLatitude(), 58.41);
-}
-
-void GalleryTest::bandwidthSpinBoxSteps()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showPage(window, QStringLiteral("Station")));
-    auto* box = window.findChild<VCSpinSelectionBox*>(QStringLiteral("bandwidthSpinBox"));
-    QVERIFY(box);
-    QVERIFY(box->isEnabled());
-    QCOMPARE(box->minimum(), 0);
-    QCOMPARE(box->maximum(), 6);
-    QCOMPARE(box->text(), QStringLiteral("6.0 kHz"));
-
-    box->setFocus();
-    QTest::keyClick(box, Qt::Key_Up);
-    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("9.0 kHz"));
-    clickArrow(box, QStyle::SC_SpinBoxDown);
-    clickArrow(box, QStyle::SC_SpinBoxDown);
-    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("3.0 kHz"));
-    QCOMPARE(box->text(), QStringLiteral("3.0 kHz"));
-    const QPoint centre = box->rect().center();
-    QWheelEvent wheel(centre, box->mapToGlobal(centre), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(box, &wheel);
-    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("6.0 kHz"));
-    // The ends hold.
-    QTest::keyClick(box, Qt::Key_PageDown);
-    QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
-    QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("0.5 kHz"));
-
-    // A new mode brings its filter with the next step of the receiver; the box follows.
-    find(QStringLiteral("/receiver/mode"))->SetValueFromText(QStringLiteral("USB"), nullptr);
-    QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
-    instrument.step();
-    QCOMPARE(box->text(), QStringLiteral("2.4 kHz"));
-    // Within a mode the user's filter stays.
-    QTest::keyClick(box, Qt::Key_Up);
-    instrument.step();
-    QCOMPARE(textOf(QStringLiteral("/receiver/bandwidth")), QStringLiteral("3.0 kHz"));
-}
-
-void GalleryTest::typedFieldsWriteAndClamp_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<double>("written");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QString>("readout");
-    QTest::addColumn<QString>("box");
-
-    const QString f = QStringLiteral("frequency");
-    QTest::newRow("MHz") << f << "7.2" << 7200.0 << "7.200 MHz" << "7200 kHz" << "";
-    QTest::newRow("MHz, comma and unit") << f << "14,25 MHz" << 14250.0 << "14.250 MHz" << "14250 kHz" << "";
-    // The frequency keeps whole kHz, and the field shows what it kept.
-    QTest::newRow("Hz dropped") << f << "7.2343" << 7234.0 << "7.234 MHz" << "7234 kHz" << "";
-    QTest::newRow("kHz typed") << f << "7150k" << 7150.0 << "7.150 MHz" << "7150 kHz" << "";
-    QTest::newRow("above") << f << "35" << 30000.0 << "30 MHz" << "30000 kHz"
-                           << "Input Error|Input exceeds maximum, value set to 30 MHz.\n"
-                              "Allowed range from 100 kHz to 30 MHz.";
-    QTest::newRow("below") << f << "0.05" << 100.0 << "0.100 MHz" << "100 kHz"
-                           << "Range Check Error|Input underruns minimum, value set to 100 kHz.\n"
-                              "Allowed range from 100 kHz to 30 MHz.";
-
-    const QString s = QStringLiteral("squelch");
-    QTest::newRow("dBm with unit") << s << "-100 dBm" << -100.0 << "-100 dBm" << "\u2212100 dBm" << "";
-    // In range the text stays as typed: the field is the writer, so no answer of the value redraws it.
-    QTest::newRow("dBm bare") << s << "-87" << -87.0 << "-87" << "\u221287 dBm" << "";
-    QTest::newRow("dBm above") << s << "-20" << -30.0 << "-30 dBm" << "\u221230 dBm"
-                               << "Input Error|Input exceeds maximum, value set to -30.\nAllowed range from -130 to -30.";
-}
-
-void GalleryTest::typedFieldsWriteAndClamp()
-{
-    QFETCH(QString, field);
-    QFETCH(QString, typed);
-    QFETCH(double, written);
-    QFETCH(QString, shown);
-    QFETCH(QString, readout);
-    QFETCH(QString, box);
-    const bool isFrequency = field == QLatin1String("frequency");
-    const QString path = isFrequency ? QStringLiteral("/receiver/frequency") : QStringLiteral("/receiver/squelch");
-
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
-    auto* edit = window.findChild<VCLineEdit*>(field + QStringLiteral("LineEdit"));
-    auto* label = window.findChild<ValueReadout*>(field + QStringLiteral("EntryReadout"));
-    QVERIFY(edit && label);
-    QVERIFY(edit->isEnabled());
-    QCOMPARE(edit->text(), isFrequency ? QStringLiteral("7 MHz") : QStringLiteral("-95 dBm"));
-
-    edit->setFocus();
-    // The dial holds still while a frequency is typed, as it would on a receiver.
-    QCOMPARE(textOf(QStringLiteral("/receiver/scan/active")), QString::fromLatin1(isFrequency ? "false" : "true"));
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(edit, typed);
-    BoxCloser closer;
-    QTest::keyClick(edit, Qt::Key_Return);
-    QCOMPARE(closer.said, box);
-    QCOMPARE(numberOf(path), written);
-    QCOMPARE(edit->text(), shown);
-    QCOMPARE(label->text(), readout);
-}
-
-void GalleryTest::frequencyFieldFollowsStateAndRestore()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
-    ValueTreeModel* model = window.valueTreeModel();
-    auto* edit = window.findChild<VCLineEdit*>(QStringLiteral("frequencyLineEdit"));
-    QVERIFY(edit);
-    const QString path = QStringLiteral("/receiver/frequency");
-
-    // The instrument's writes show in MHz; the value's state reaches the field.
-    dynamic_cast<values::IValueNumeric*>(find(path))->SetValue(7305, nullptr);
-    QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
-    QVERIFY(model->switchState(model->rowOfPath(path), Disabled));
-    QVERIFY(!edit->isEnabled());
-
-    // Removed, the field lets go and keeps its text; restored, it edits the re-created frequency.
-    QVERIFY(model->switchState(model->rowOfPath(path), Removed));
-    QVERIFY(!edit->GetValuePtr());
-    QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
-    window.restoreInstrument();
-    QVERIFY(edit->GetValuePtr());
-    QVERIFY(edit->isEnabled());
-    QCOMPARE(edit->text(), QStringLiteral("7 MHz"));
-    edit->setFocus();
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(edit, QStringLiteral("9.4"));
-    QTest::keyClick(edit, Qt::Key_Return);
-    QCOMPARE(numberOf(path), 9400.0);
-}
-
-void GalleryTest::gainSpinBoxCommitsAfterTheSteps()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
-    auto* gain = window.findChild<VCNumericFloatSpin*>(QStringLiteral("gainSpinBox"));
-    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("gainEntryReadout"));
-    QVERIFY(gain && readout);
-    QVERIFY(gain->isEnabled());
-    QCOMPARE(gain->text(), QStringLiteral("30 dB"));
-
-    // A burst of steps shows at once, and reaches the value as one edit when it is over.
-    gain->setFocus();
-    QTest::keyClick(gain, Qt::Key_Up);
-    QTest::keyClick(gain, Qt::Key_Up);
-    QTest::keyClick(gain, Qt::Key_Up);
-    QCOMPARE(gain->text(), QStringLiteral("33 dB"));
-    QCOMPARE(numberOf(QStringLiteral("/receiver/gain")), 30.0);
-    QCOMPARE(readout->text(), QStringLiteral("30 dB"));
-    QTRY_COMPARE(numberOf(QStringLiteral("/receiver/gain")), 33.0);
-    QCOMPARE(readout->text(), QStringLiteral("33 dB"));
-    QCOMPARE(values::UndoRecorder::Instance().Count(), 1);
-}
-
-void GalleryTest::arrowButtonsStepTheVolume()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
-    auto* arrows = window.findChild<VCScrollButtons*>(QStringLiteral("volumeScrollButtons"));
-    auto* slider = window.findChild<VCSlider*>(QStringLiteral("volumeStripSlider"));
-    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("volumeEntryReadout"));
-    QVERIFY(arrows && slider && readout);
-    VCButton* const buttons[] = {arrows->GetMinusButton(), arrows->GetMinusPageButton(), arrows->GetPlusPageButton(),
-                                 arrows->GetPlusButton()};
-    for (VCButton* button : buttons)
-        QVERIFY(button && button->isVisible());
-
-    // The four buttons stand inside the strip, at its ends and clear of the slider between them.
-    QVERIFY(buttons[1]->geometry().right() < slider->geometry().left());
-    QVERIFY(buttons[2]->geometry().left() > slider->geometry().right());
-
-    struct Click
+    void scanHoldsOnACarrier()
     {
-        VCButton* button;
-        double volume;
-    };
-    const Click clicks[] = {{buttons[3], 41}, {buttons[2], 51}, {buttons[2], 61}, {buttons[1], 51}, {buttons[0], 50}};
-    for (const Click& click : clicks) {
-        QTest::mouseClick(click.button, Qt::LeftButton);
-        QCOMPARE(numberOf(QStringLiteral("/receiver/volume")), click.volume);
-        QCOMPARE(slider->value(), int(click.volume));
-        QCOMPARE(readout->text(), QString::number(click.volume) + QStringLiteral(" %"));
+        Instrument instrument;
+        instrument.setSeed(3);
+        setText("scan/speed", "1");
+        setText("scan/hold", "1");
+        int step = 0;
+        for (; textOf("carrier") != QLatin1String("true") && step < 200; ++step)
+            instrument.step();
+        QVERIFY2(step < 200, "the scan found no station in its band");
+        const QString found = textOf("scan/position");
+        // The first station of the band is near 7030 kHz.
+        QVERIFY2(qAbs(textOf("frequency").toInt() - 7030) < 6, qPrintable(found));
+        for (int i = 0; i < 1000 / Instrument::StepMs; ++i) {
+            instrument.step();
+            QCOMPARE(textOf("scan/position"), found);
+        }
+        instrument.step();
+        QCOMPARE(textOf("scan/position"), QString::number(found.toInt() + 1));
+        // Having let go of the station, the scan moves on instead of holding on it a second time.
+        for (int i = 0; i < 5; ++i)
+            instrument.step();
+        QCOMPARE(textOf("scan/position"), QString::number(found.toInt() + 6));
     }
-}
 
-void GalleryTest::notesAreWrittenOnFocusLoss()
-{
-    Instrument instrument;
-    GalleryWindow window(&instrument);
-    QVERIFY(showActivePage(window, QStringLiteral("Entry fields")));
-    auto* notes = window.findChild<VCTextEdit*>(QStringLiteral("notesTextEdit"));
-    auto* readout = window.findChild<ValueReadout*>(QStringLiteral("notesEntryReadout"));
-    auto* squelch = window.findChild<VCLineEdit*>(QStringLiteral("squelchLineEdit"));
-    QVERIFY(notes && readout && squelch);
-    QVERIFY(notes->isEnabled());
-    QCOMPARE(notes->GetText(), QStringLiteral("40 m band watch"));
+    void writeShowsInItsRowOnly_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("throughModel");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("int") << "/receiver/gain" << "42" << false << "42";
+        QTest::newRow("int clamped") << "/receiver/gain" << "99" << false << "60";
+        QTest::newRow("double") << "/receiver/frequency" << "7123.5" << false << "7123.5";
+        QTest::newRow("bool") << "/receiver/attenuator" << "on" << false << "true";
+        QTest::newRow("choice") << "/receiver/mode" << "USB" << false << "USB";
+        QTest::newRow("text") << "/receiver/notes" << "net at 19:00; QRP" << false << "net at 19:00; QRP";
+        QTest::newRow("edited in the view") << "/receiver/squelch" << "-70" << true << "-70";
+        QTest::newRow("edited choice") << "/receiver/mode" << "CW" << true << "CW";
+    }
 
-    notes->setFocus();
-    notes->moveCursor(QTextCursor::End);
-    QTest::keyClicks(notes, QStringLiteral(", 7.2 MHz"));
-    QTest::keyClick(notes, Qt::Key_Return);
-    QTest::keyClicks(notes, QStringLiteral("quiet"));
-    // Typing alone writes nothing.
-    QCOMPARE(textOf(QStringLiteral("/receiver/notes")), QStringLiteral("40 m band watch"));
-    QCOMPARE(readout->text(), QStringLiteral("40 m band watch"));
+    void writeShowsInItsRowOnly()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, text);
+        QFETCH(bool, throughModel);
+        QFETCH(QString, shown);
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        qint64 clock = 1000;
+        model.setClock([&clock] { return clock; });
+        const int row = model.rowOfPath(path);
+        QVERIFY(row >= 0);
+        QCOMPARE(model.pathAt(row), path);
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        if (throughModel)
+            QVERIFY(model.setData(model.index(row, ValueTreeModel::ValueColumn), text));
+        else
+            QVERIFY(find(path)->SetValueFromText(text, nullptr));
+        QCOMPARE(textOf(path), shown);
+        QCOMPARE(cell(model, path), shown);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.at(0).at(0).toModelIndex().row(), row);
+        QCOMPARE(changed.at(0).at(1).toModelIndex().row(), row);
+        // The changed row glows, the others do not, and the glow is gone after the fade.
+        QCOMPARE(model.heat(row), 1.0);
+        QVERIFY(model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
+        for (int other = 0; other < model.rowCount(); ++other)
+            QCOMPARE(model.heat(other), other == row ? 1.0 : 0.0);
+        clock += model.fadeDuration() / 2;
+        QCOMPARE(model.heat(row), 0.5);
+        clock += model.fadeDuration() / 2;
+        QCOMPARE(model.heat(row), 0.0);
+        QVERIFY(!model.index(row, ValueTreeModel::PathColumn).data(Qt::BackgroundRole).isValid());
+    }
 
-    squelch->setFocus();
-    QTRY_VERIFY(!notes->hasFocus());
-    const QString written = QStringLiteral("40 m band watch, 7.2 MHz\nquiet");
-    QCOMPARE(textOf(QStringLiteral("/receiver/notes")), written);
-    QCOMPARE(readout->text(), written);
-}
+    void stateSwitchReachesValueAndControl_data()
+    {
+        QTest::addColumn<bool>("throughSetData");
+        QTest::newRow("switchState") << false;
+        QTest::newRow("setData (the state editor)") << true;
+    }
+
+    void stateSwitchReachesValueAndControl()
+    {
+        QFETCH(bool, throughSetData);
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        VCSlider slider(nullptr, "gain");
+        QVERIFY(slider.SetNumeric_ValuePath(rx("gain")));
+        QVERIFY(slider.isEnabled());
+        const int row = model.rowOfPath(rx("gain"));
+        const QModelIndex state = model.index(row, ValueTreeModel::StateColumn);
+        const QModelIndex value = model.index(row, ValueTreeModel::ValueColumn);
+        QSignalSpy switched(&model, &ValueTreeModel::stateSwitched);
+        auto switchTo = [&](int to) { return throughSetData ? model.setData(state, to) : model.switchState(row, to); };
+        QVERIFY(switchTo(Disabled));
+        QCOMPARE(find(rx("gain"))->GetState(), int(Disabled));
+        QVERIFY(!slider.isEnabled());
+        QCOMPARE(state.data().toString(), ValueTreeModel::stateName(Disabled));
+        QCOMPARE(state.data(ValueTreeModel::StateRole).toInt(), int(Disabled));
+        QCOMPARE(switched.count(), 1);
+        QCOMPARE(switched.at(0).at(0).toString(), rx("gain"));
+        // A disabled value cannot be edited in the view either.
+        QVERIFY(!(model.flags(value) & Qt::ItemIsEditable));
+        QVERIFY(!model.setData(value, QStringLiteral("12")));
+        QCOMPARE(textOf("gain"), QStringLiteral("30"));
+        QVERIFY(switchTo(Enabled));
+        QCOMPARE(find(rx("gain"))->GetState(), int(Enabled));
+        QVERIFY(slider.isEnabled());
+        QVERIFY(model.flags(value) & Qt::ItemIsEditable);
+        // States that do not exist and rows that do not exist change nothing.
+        QVERIFY(!switchTo(7));
+        QVERIFY(!model.switchState(model.rowCount(), Disabled));
+        QVERIFY(!model.switchState(-1, Disabled));
+        QCOMPARE(find(rx("gain"))->GetState(), int(Enabled));
+        QCOMPARE(switched.count(), 2);
+    }
+
+    void removeDropsTheRowAndTheControlLetsGo()
+    {
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        const int rows = model.rowCount();
+        VCSlider slider(nullptr, "gain");
+        QVERIFY(slider.SetNumeric_ValuePath(rx("gain")));
+        const int gainRow = model.rowOfPath(rx("gain"));
+        const int levelRow = model.rowOfPath(rx("level"));
+        QVERIFY(levelRow > gainRow);
+        QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+        QVERIFY(model.switchState(gainRow, Removed));
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(removed.at(0).at(1).toInt(), gainRow);
+        QCOMPARE(model.rowCount(), rows - 1);
+        QCOMPARE(model.rowOfPath(rx("gain")), -1);
+        QVERIFY(!find(rx("gain")));
+        // The slider lets go and keeps working on its own, writing nowhere.
+        slider.setValue(12);
+        QCOMPARE(slider.value(), 12);
+        QVERIFY(!find(rx("gain")));
+        // Rows after the removed one moved up; a change must still reach the right one.
+        QCOMPARE(model.rowOfPath(rx("level")), levelRow - 1);
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        setText("level", "-42");
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow - 1);
+        QCOMPARE(cell(model, rx("level")), QStringLiteral("-42"));
+        // Someone else removing a value drops its row too.
+        QVERIFY(values::Tree::Instance()->Remove(rx("volume")));
+        QCOMPARE(model.rowCount(), rows - 2);
+        QCOMPARE(model.rowOfPath(rx("volume")), -1);
+        // A value only marked Removed stays in the tree, so its row stays and says so.
+        find(rx("notes"))->SetState(Removed, nullptr);
+        QCOMPARE(model.rowCount(), rows - 2);
+        QCOMPARE(cell(model, rx("notes"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
+    }
+
+    void restoreBringsValuesAndRowsBack()
+    {
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        const QStringList paths = Instrument::paths();
+        QCOMPARE(instrument.restore(), 0);
+        QCOMPARE(model.rescan(), 0);
+        setText("gain", "55");
+        QVERIFY(switchTo(&model, "gain", Removed));
+        QVERIFY(switchTo(&model, "squelch", Removed));
+        QVERIFY(switchTo(&model, "volume", Disabled));
+        find(rx("notes"))->SetState(Removed, nullptr);
+        QCOMPARE(model.rowCount(), paths.size() - 2);
+        QSignalSpy restored(&instrument, &Instrument::restored);
+        QCOMPARE(instrument.restore(), 2);
+        QCOMPARE(restored.count(), 1);
+        QCOMPARE(restored.at(0).at(0).toInt(), 2);
+        for (const QString& path : paths)
+            QCOMPARE(find(path)->GetState(), int(Enabled));
+        // Re-created values start over from their initial contents.
+        QCOMPARE(textOf("gain"), QStringLiteral("30"));
+        QCOMPARE(model.rescan(), 2);
+        QCOMPARE(model.rowCount(), paths.size());
+        for (int row = 0; row < paths.size(); ++row)
+            QCOMPARE(model.pathAt(row), paths.at(row));
+        QCOMPARE(model.rescan(), 0);
+        // A control bound again works on the new value, and the new row hears of it.
+        VCSlider slider(nullptr, "gain");
+        QVERIFY(slider.SetNumeric_ValuePath(rx("gain")));
+        slider.setValue(45);
+        QCOMPARE(textOf("gain"), QStringLiteral("45"));
+        QCOMPARE(cell(model, rx("gain")), QStringLiteral("45"));
+    }
+
+    void notificationsRefreshTheRow_data()
+    {
+        using Change = std::function<void()>;
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<bool>("refreshed");
+        auto gain = [] { return dynamic_cast<values::IntNumeric*>(find(rx("gain"))); };
+        auto mode = [] { return dynamic_cast<values::ValueSelection*>(find(rx("mode"))); };
+        auto options = [] { return dynamic_cast<values::StringMultiSelection*>(find(rx("options"))); };
+        const int type = ValueTreeModel::TypeColumn;
+        const int value = ValueTreeModel::ValueColumn;
+        QTest::newRow("range") << "/receiver/gain" << Change([=] { gain()->SetRange(-10, 80, 1); }) << type
+                               << "int -10…80" << true;
+        QTest::newRow("range clamps the value")
+            << "/receiver/gain" << Change([=] { gain()->SetRange(0, 20, 1); }) << value << "20" << true;
+        QTest::newRow("item added") << "/receiver/mode" << Change([=] { mode()->AddItem(QStringLiteral("DRM"), 5, 5, nullptr); })
+                                    << type << "choice of 6" << true;
+        QTest::newRow("items cleared") << "/receiver/mode" << Change([=] { mode()->ClearItems(nullptr); }) << value << ""
+                                       << true;
+        QTest::newRow("item checked") << "/receiver/options" << Change([=] { options()->SetItemChecked(3, true, nullptr); })
+                                      << value << "Preamp" << true;
+        // A pending number is not the value: nothing to show.
+        QTest::newRow("pending number") << "/receiver/gain" << Change([=] { gain()->SetPendingValue(50, nullptr); })
+                                        << value << "30" << false;
+    }
+
+    void notificationsRefreshTheRow()
+    {
+        QFETCH(QString, path);
+        QFETCH(std::function<void()>, change);
+        QFETCH(int, column);
+        QFETCH(QString, shown);
+        QFETCH(bool, refreshed);
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy arrived(&model, &ValueTreeModel::changeArrived);
+        change();
+        QCOMPARE(cell(model, path, column), shown);
+        QCOMPARE(!changed.isEmpty(), refreshed);
+        QCOMPARE(!arrived.isEmpty(), refreshed);
+        for (const QList<QVariant>& signal : qAsConst(changed))
+            QCOMPARE(signal.at(0).toModelIndex().row(), model.rowOfPath(path));
+        for (const QList<QVariant>& signal : qAsConst(arrived))
+            QCOMPARE(signal.at(0).toString(), path);
+    }
+
+    void glowStopsTicking()
+    {
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        qint64 clock = 0;
+        model.setClock([&clock] { return clock; });
+        const int row = model.rowOfPath(rx("volume"));
+        setText("volume", "70");
+        // While the row glows the model repaints its background, and only its.
+        QVERIFY(model.isFading());
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QVERIFY(changed.wait(1000));
+        QCOMPARE(changed.last().at(0).toModelIndex().row(), row);
+        QVERIFY(changed.last().at(2).value<QVector<int>>().contains(Qt::BackgroundRole));
+        // Once cold it repaints a last time and then stays quiet.
+        clock = model.fadeDuration();
+        QVERIFY(changed.wait(1000));
+        QCOMPARE(model.heat(row), 0.0);
+        QVERIFY(!model.isFading());
+        const int settled = changed.count();
+        QVERIFY(!changed.wait(200));
+        QCOMPARE(changed.count(), settled);
+    }
+
+    void rescanTakesOnlyTheRoot()
+    {
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        values::Tree* tree = values::Tree::Instance();
+        QVERIFY(tree->Add(QStringLiteral("/receiverless/x"), new values::IntValue(1)));
+        QVERIFY(tree->Add(rx("zz/extra"), new values::IntValue(2)));
+        QVERIFY(tree->Add(rx("aa"), new values::IntValue(3)));
+        QCOMPARE(model.rescan(), 2);
+        QCOMPARE(model.pathAt(0), rx("aa"));
+        QCOMPARE(model.pathAt(model.rowCount() - 1), rx("zz/extra"));
+        QCOMPARE(model.rowOfPath(QStringLiteral("/receiverless/x")), -1);
+        ValueTreeModel everything;
+        QVERIFY(everything.rowOfPath(QStringLiteral("/receiverless/x")) >= 0);
+        QCOMPARE(everything.rowCount(), tree->Count());
+        for (const QString& path : {QStringLiteral("/receiverless/x"), rx("zz/extra"), rx("aa")})
+            tree->Remove(path);
+        QCOMPARE(model.rowCount(), Instrument::paths().size());
+    }
+
+    void viewSwitchesEverySelectedValue()
+    {
+        Instrument instrument;
+        ValueTreeView view(Instrument::root());
+        ValueTreeModel* model = view.model();
+        auto* disable = child<QPushButton>(view, "disableButton");
+        auto* remove = child<QPushButton>(view, "removeButton");
+        QVERIFY(disable && remove && !remove->isEnabled());
+        const QStringList chosen = {rx("gain"), rx("level"), rx("volume")};
+        auto select = [&] {
+            QItemSelection selection;
+            for (const QString& path : chosen) {
+                const int row = model->rowOfPath(path);
+                selection.select(model->index(row, 0), model->index(row, ValueTreeModel::ColumnCount - 1));
+            }
+            view.table()->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+        };
+        select();
+        QVERIFY(remove->isEnabled());
+        disable->click();
+        for (const QString& path : chosen)
+            QCOMPARE(find(path)->GetState(), int(Disabled));
+        QCOMPARE(find(rx("frequency"))->GetState(), int(Enabled));
+        // Removing shifts the rows under each removed one; every chosen value must go, and only those.
+        select();
+        remove->click();
+        for (const QString& path : chosen) {
+            QVERIFY2(!find(path), qPrintable(path));
+            QCOMPARE(model->rowOfPath(path), -1);
+        }
+        QCOMPARE(model->rowCount(), Instrument::paths().size() - chosen.size());
+        QVERIFY(find(rx("frequency")) && find(rx("mode")));
+    }
+
+    void stateEditorCommitsTheChoice()
+    {
+        Instrument instrument;
+        ValueTreeModel model(Instrument::root());
+        ValueStateDelegate delegate;
+        QWidget parent;
+        const QModelIndex state = model.index(model.rowOfPath(rx("squelch")), ValueTreeModel::StateColumn);
+        QWidget* editor = delegate.createEditor(&parent, QStyleOptionViewItem(), state);
+        auto* combo = qobject_cast<QComboBox*>(editor);
+        QVERIFY(combo);
+        delegate.setEditorData(editor, state);
+        QCOMPARE(combo->currentData().toInt(), int(Enabled));
+        combo->setCurrentIndex(combo->findData(int(Disabled)));
+        delegate.setModelData(editor, &model, state);
+        QCOMPARE(find(rx("squelch"))->GetState(), int(Disabled));
+        // Choosing in the list commits at once, without waiting for the editor to close.
+        QList<QWidget*> committed;
+        QList<QWidget*> closed;
+        connect(&delegate, &QAbstractItemDelegate::commitData, this, [&](QWidget* w) { committed << w; });
+        connect(&delegate, &QAbstractItemDelegate::closeEditor, this, [&](QWidget* w) { closed << w; });
+        combo->activated(combo->findData(int(Enabled)));
+        QCOMPARE(committed, QList<QWidget*>{editor});
+        QCOMPARE(closed, QList<QWidget*>{editor});
+        combo->setCurrentIndex(combo->findData(int(Removed)));
+        delegate.setModelData(editor, &model, state);
+        QVERIFY(!find(rx("squelch")));
+        QCOMPARE(model.rowOfPath(rx("squelch")), -1);
+    }
+
+    void windowBindsAndFollowsStatesAndRestore()
+    {
+        Instrument instrument;
+        auto snapshot = [] {
+            QStringList texts;
+            for (const QString& path : Instrument::paths())
+                texts << textOf(path);
+            return texts;
+        };
+        const QStringList before = snapshot();
+        GalleryWindow window(&instrument);
+        QCOMPARE(snapshot(), before);
+        QCOMPARE(child<VCSlider>(window, "squelchSlider")->value(), -95);
+        QCOMPARE(child<VCScrollBar>(window, "squelchScrollBar")->value(), -95);
+        QCOMPARE(child<VCSlider>(window, "scanSpeedSlider")->value(), 2);
+        ValueTreeModel* model = window.valueTreeModel();
+        auto* gain = child<VCSlider>(window, "gainSlider");
+        auto* gainVertical = child<VCSlider>(window, "gainVerticalSlider");
+        auto* frequency = child<VCScrollBar>(window, "frequencyScrollBar");
+        auto* frequencyReadout = child<ValueReadout>(window, "readout:/receiver/frequency");
+        QVERIFY(gain && gainVertical && frequency && frequencyReadout);
+        QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
+        QCOMPARE(frequency->value(), 7000);
+        // Both controls on the gain follow each other and its state.
+        gain->setValue(48);
+        QCOMPARE(gainVertical->value(), 48);
+        QVERIFY(switchTo(model, "gain", Disabled));
+        QVERIFY(!gain->isEnabled() && !gainVertical->isEnabled());
+        QVERIFY(switchTo(model, "frequency", Removed));
+        QVERIFY(!frequencyReadout->isBound());
+        QCOMPARE(frequencyReadout->text(), QStringLiteral("—"));
+        frequency->setValue(9000); // unbound: moves only itself
+        QVERIFY(!find(rx("frequency")));
+        window.restoreInstrument();
+        QCOMPARE(model->rowCount(), Instrument::paths().size());
+        QVERIFY(gain->isEnabled() && gainVertical->isEnabled() && frequencyReadout->isBound());
+        QCOMPARE(frequencyReadout->text(), QStringLiteral("7.000 MHz"));
+        QCOMPARE(frequency->value(), 7000);
+        // The scroll bar is bound to the re-created value again.
+        frequency->setValue(7100);
+        QCOMPARE(textOf("frequency"), QStringLiteral("7100"));
+        QCOMPARE(frequencyReadout->text(), QStringLiteral("7.100 MHz"));
+        QCOMPARE(cell(*model, rx("frequency")), QStringLiteral("7100"));
+    }
+
+    void undoTakesBackClicksOneByOne()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Buttons and undo"));
+        auto* attenuator = child<VCCheckBox>(window, "attenuatorCheckBox");
+        auto* mode = child<VCButton>(window, "modeButton");
+        auto* louder = child<VCButton>(window, "volumeUpButton");
+        auto* preamp = child<VCCheckBox>(window, "preampCheckBox");
+        auto* undo = child<VCButton>(window, "undo_button");
+        auto* history = child<QLabel>(window, "undoHistory");
+        QVERIFY(attenuator && mode && louder && preamp && undo && history && !undo->isEnabled());
+        QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
+        clickBox(attenuator);
+        QTest::mouseClick(mode, Qt::LeftButton);
+        QTest::mouseClick(louder, Qt::LeftButton);
+        QTest::mouseClick(louder, Qt::LeftButton);
+        clickBox(preamp);
+        setText("gain", "12");
+        // attenuator, mode, volume and options before each undo; the program's gain stays throughout
+        const QList<QStringList> stages = {
+            {"true", "FM", "42", "Preamp"}, {"true", "FM", "42", "none"}, {"true", "FM", "41", "none"},
+            {"true", "FM", "40", "none"},   {"true", "AM", "40", "none"}, {"false", "AM", "40", "none"},
+        };
+        for (int i = 0; i < stages.size(); ++i) {
+            const QStringList& stage = stages.at(i);
+            QCOMPARE(textsOf({"attenuator", "mode", "volume", "options", "gain"}), stage + QStringList{"12"});
+            QCOMPARE(attenuator->isChecked(), stage.at(0) == QLatin1String("true"));
+            QCOMPARE(mode->text(), stage.at(1));
+            QCOMPARE(preamp->isChecked(), stage.at(3) == QLatin1String("Preamp"));
+            const int left = stages.size() - 1 - i;
+            QCOMPARE(history->text().split(QLatin1Char('\n')).size(), left ? left : 1);
+            QCOMPARE(undo->isEnabled(), left > 0);
+            if (left)
+                QTest::mouseClick(undo, Qt::LeftButton);
+        }
+        QCOMPARE(history->text(), QStringLiteral("Nothing to undo yet."));
+        // The undo button's own choices were never recorded.
+        QCOMPARE(values::UndoRecorder::Instance().Count(), 0);
+        // The list names the newest edit first.
+        clickBox(attenuator);
+        QTest::mouseClick(louder, Qt::LeftButton);
+        QCOMPARE(history->text(), QStringLiteral("/receiver/volume: 40 → 41\n/receiver/attenuator: false → true"));
+    }
+
+    void optionBoxesCheckTheirItemOnly_data()
+    {
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("noise blanker") << "noiseBlankerCheckBox" << 1 << "Noise blanker";
+        QTest::newRow("notch") << "notchCheckBox" << 2 << "Notch";
+        QTest::newRow("preamp") << "preampCheckBox" << 3 << "Preamp";
+    }
+
+    void optionBoxesCheckTheirItemOnly()
+    {
+        QFETCH(QString, box);
+        QFETCH(int, key);
+        QFETCH(QString, name);
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Buttons and undo"));
+        auto* check = window.findChild<VCCheckBox*>(box);
+        auto* options = dynamic_cast<values::StringMultiSelection*>(find(rx("options")));
+        QVERIFY(check && options && check->isEnabled());
+        QVERIFY(!check->isChecked());
+        clickBox(check);
+        for (int other = 1; other <= 3; ++other)
+            QCOMPARE(options->IsItemChecked(other), other == key);
+        QCOMPARE(textOf("options"), name);
+        // Another item checked elsewhere leaves this box alone; its own item unchecked elsewhere clears it.
+        const int neighbour = key % 3 + 1;
+        options->SetItemChecked(neighbour, true, nullptr);
+        QVERIFY(check->isChecked());
+        options->SetItemChecked(key, false, nullptr);
+        QVERIFY(!check->isChecked());
+        QVERIFY(options->IsItemChecked(neighbour));
+        options->SetState(Disabled, nullptr);
+        QVERIFY(!check->isEnabled());
+        clickBox(check);
+        QVERIFY(!options->IsItemChecked(key));
+    }
+
+    void itemButtonsCycleWithTheirPictures()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Buttons and undo"));
+        auto* mode = child<VCButton>(window, "modeButton");
+        auto* modeReadout = child<ValueReadout>(window, "readout:/receiver/mode");
+        QVERIFY(mode && modeReadout);
+        // One click, the next mode with a picture of its own, around and back to the first.
+        const QStringList names = {"AM", "FM", "USB", "LSB", "CW", "AM"};
+        QList<QImage> pictures;
+        for (int i = 0; i < names.size(); ++i) {
+            if (i)
+                QTest::mouseClick(mode, Qt::LeftButton);
+            QCOMPARE(textOf("mode"), names.at(i));
+            QCOMPARE(mode->text(), names.at(i));
+            QCOMPARE(modeReadout->text(), names.at(i));
+            QVERIFY(!mode->isDown());
+            pictures << pictureOf(mode);
+            QVERIFY(!pictures.last().isNull());
+        }
+        for (int i = 0; i < 5; ++i) {
+            for (int j = i + 1; j < 5; ++j)
+                QVERIFY2(pictures.at(i) != pictures.at(j), qPrintable(names.at(i) + QLatin1Char('/') + names.at(j)));
+        }
+        QCOMPARE(pictures.last(), pictures.first());
+        setText("mode", "LSB");
+        QCOMPARE(mode->text(), QStringLiteral("LSB"));
+        QCOMPARE(pictureOf(mode), pictures.at(3));
+        // The two-item AGC button is a toggle, down while Fast; the check box on the same selection follows it.
+        auto* agc = child<VCButton>(window, "agcButton");
+        auto* fast = child<VCCheckBox>(window, "agcFastCheckBox");
+        QVERIFY(agc && fast);
+        QCOMPARE(textOf("agc"), QStringLiteral("Slow"));
+        QVERIFY(!agc->isDown() && !fast->isChecked());
+        const QImage slow = pictureOf(agc);
+        QTest::mouseClick(agc, Qt::LeftButton);
+        QCOMPARE(textOf("agc"), QStringLiteral("Fast"));
+        QVERIFY(agc->isDown() && fast->isChecked());
+        QVERIFY(pictureOf(agc) != slow);
+        clickBox(fast);
+        QCOMPARE(textOf("agc"), QStringLiteral("Slow"));
+        QVERIFY(!agc->isDown());
+        QCOMPARE(pictureOf(agc), slow);
+    }
+
+    void stepButtonsRepeatWhileHeld()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Buttons and undo"));
+        auto* louder = child<VCButton>(window, "volumeUpButton");
+        auto* softer = child<VCButton>(window, "volumeDownButton");
+        auto* tuneUp = child<VCButton>(window, "tuneUpButton");
+        QVERIFY(louder && softer && tuneUp);
+        auto volume = [] { return textOf("volume").toInt(); };
+        QTest::mouseClick(softer, Qt::LeftButton);
+        QCOMPARE(volume(), 39);
+        QTest::mouseClick(tuneUp, Qt::LeftButton);
+        QCOMPARE(textOf("frequency"), QStringLiteral("7001"));
+        // Held, the button goes on stepping after its delay, and stops with the release.
+        QTest::mousePress(louder, Qt::LeftButton);
+        QCOMPARE(volume(), 39);
+        QTRY_VERIFY_WITH_TIMEOUT(volume() >= 42, 3000);
+        QTest::mouseRelease(louder, Qt::LeftButton);
+        const int released = volume();
+        QTest::qWait(300);
+        QCOMPARE(volume(), released);
+        // The top of the range holds, with nothing to undo for the click that changed nothing.
+        setText("volume", "100");
+        const int recorded = values::UndoRecorder::Instance().Count();
+        QTest::mouseClick(louder, Qt::LeftButton);
+        QCOMPARE(volume(), 100);
+        QCOMPARE(values::UndoRecorder::Instance().Count(), recorded);
+        // The buttons take the state of the number they step, and leave a removed one alone.
+        QVERIFY(switchTo(window.valueTreeModel(), "volume", Disabled));
+        QVERIFY(!louder->isEnabled() && !softer->isEnabled());
+        QVERIFY(tuneUp->isEnabled());
+        QVERIFY(switchTo(window.valueTreeModel(), "volume", Removed));
+        window.restoreInstrument();
+        QVERIFY(louder->isEnabled());
+        QTest::mouseClick(louder, Qt::LeftButton);
+        QCOMPARE(volume(), 41);
+    }
+
+    void coordinateFieldsShareTheFormat()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Station"));
+        auto* site = child<VCCoordEdit>(window, "siteCoordEdit");
+        auto* transmitter = child<VCCoordEdit>(window, "transmitterCoordEdit");
+        auto* format = window.findChild<ValueReadout*>(QStringLiteral("readout:") + Plinthor::PositionFormatPath());
+        QVERIFY(site && transmitter && format);
+        QCOMPARE(site->GetLatitude(), 59.8586);
+        QCOMPARE(transmitter->GetLongitude(), 12.3961);
+        QCOMPARE(format->text(), QStringLiteral("Decimal degrees"));
+        const QString siteDecimal = site->text();
+        const QString transmitterDecimal = transmitter->text();
+        QVERIFY(siteDecimal.contains(QStringLiteral("59.8586")));
+        // A format picked in one field shows in both, and in the application's selection; the positions stay.
+        QVERIFY(pickFormat(site, QStringLiteral("UTM")));
+        QCOMPARE(site->getFormat(), Utm);
+        QCOMPARE(transmitter->getFormat(), Utm);
+        QCOMPARE(Plinthor::Instance().GetPositionFormat()->GetCurrentKey(), long(Utm));
+        QCOMPARE(format->text(), QStringLiteral("UTM"));
+        QVERIFY(site->text().startsWith(QStringLiteral("33V")));
+        QVERIFY(transmitter->text().startsWith(QStringLiteral("33V")));
+        QCOMPARE(textOf("site/latitude"), QStringLiteral("59.8586"));
+        QVERIFY(pickFormat(transmitter, QStringLiteral("Decimal degrees")));
+        QCOMPARE(site->getFormat(), GeoDecimal);
+        QCOMPARE(site->text(), siteDecimal);
+        QCOMPARE(transmitter->text(), transmitterDecimal);
+        // A position typed into one field goes to its values only.
+        site->setFocus();
+        site->selectAll();
+        QTest::keyClicks(site, QStringLiteral("59.33 18.07"));
+        QTest::keyClick(site, Qt::Key_Return);
+        QCOMPARE(textsOf({"site/latitude", "site/longitude"}), QStringList({"59.33", "18.07"}));
+        QCOMPARE(transmitter->text(), transmitterDecimal);
+        // After a removal and restore the field is bound to the re-created value.
+        QVERIFY(values::Tree::Instance()->Remove(rx("site/latitude")));
+        window.restoreInstrument();
+        QCOMPARE(site->GetLatitude(), 59.8586);
+        setText("site/latitude", "58.41");
+        QCOMPARE(site->GetLatitude(), 58.41);
+    }
+
+    void bandwidthSpinBoxSteps()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Station"));
+        auto* box = child<VCSpinSelectionBox>(window, "bandwidthSpinBox");
+        QVERIFY(box && box->isEnabled());
+        QCOMPARE(box->minimum(), 0);
+        QCOMPARE(box->maximum(), 6);
+        QCOMPARE(box->text(), QStringLiteral("6.0 kHz"));
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Up);
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("9.0 kHz"));
+        clickArrow(box, QStyle::SC_SpinBoxDown);
+        clickArrow(box, QStyle::SC_SpinBoxDown);
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("3.0 kHz"));
+        QCOMPARE(box->text(), QStringLiteral("3.0 kHz"));
+        const QPoint centre = box->rect().center();
+        QWheelEvent wheel(centre, box->mapToGlobal(centre), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(box, &wheel);
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("6.0 kHz"));
+        // The ends hold.
+        QTest::keyClick(box, Qt::Key_PageDown);
+        QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("0.5 kHz"));
+        // A new mode brings its filter with the next step of the receiver; within a mode the user's filter stays.
+        setText("mode", "USB");
+        QCOMPARE(box->text(), QStringLiteral("0.5 kHz"));
+        instrument.step();
+        QCOMPARE(box->text(), QStringLiteral("2.4 kHz"));
+        QTest::keyClick(box, Qt::Key_Up);
+        instrument.step();
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("3.0 kHz"));
+    }
+
+    void typedFieldsWriteAndClamp_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("written");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("readout");
+        QTest::addColumn<QString>("box");
+        const QString f = QStringLiteral("frequency");
+        QTest::newRow("MHz") << f << "7.2" << 7200.0 << "7.200 MHz" << "7200 kHz" << "";
+        QTest::newRow("MHz, comma and unit") << f << "14,25 MHz" << 14250.0 << "14.250 MHz" << "14250 kHz" << "";
+        // The frequency keeps whole kHz, and the field shows what it kept.
+        QTest::newRow("Hz dropped") << f << "7.2343" << 7234.0 << "7.234 MHz" << "7234 kHz" << "";
+        QTest::newRow("kHz typed") << f << "7150k" << 7150.0 << "7.150 MHz" << "7150 kHz" << "";
+        QTest::newRow("above") << f << "35" << 30000.0 << "30 MHz" << "30000 kHz"
+                               << "Input Error|Input exceeds maximum, value set to 30 MHz.\n"
+                                  "Allowed range from 100 kHz to 30 MHz.";
+        QTest::newRow("below") << f << "0.05" << 100.0 << "0.100 MHz" << "100 kHz"
+                               << "Range Check Error|Input underruns minimum, value set to 100 kHz.\n"
+                                  "Allowed range from 100 kHz to 30 MHz.";
+        const QString s = QStringLiteral("squelch");
+        QTest::newRow("dBm with unit") << s << "-100 dBm" << -100.0 << "-100 dBm" << "\u2212100 dBm" << "";
+        // In range the text stays as typed: the field is the writer, so no answer of the value redraws it.
+        QTest::newRow("dBm bare") << s << "-87" << -87.0 << "-87" << "\u221287 dBm" << "";
+        QTest::newRow("dBm above") << s << "-20" << -30.0 << "-30 dBm" << "\u221230 dBm"
+                                   << "Input Error|Input exceeds maximum, value set to -30.\nAllowed range from -130 to -30.";
+    }
+
+    void typedFieldsWriteAndClamp()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, typed);
+        QFETCH(double, written);
+        QFETCH(QString, shown);
+        QFETCH(QString, readout);
+        QFETCH(QString, box);
+        const bool isFrequency = field == QLatin1String("frequency");
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Entry fields", true));
+        auto* edit = window.findChild<VCLineEdit*>(field + QStringLiteral("LineEdit"));
+        auto* label = window.findChild<ValueReadout*>(field + QStringLiteral("EntryReadout"));
+        QVERIFY(edit && label && edit->isEnabled());
+        QCOMPARE(edit->text(), isFrequency ? QStringLiteral("7 MHz") : QStringLiteral("-95 dBm"));
+        edit->setFocus();
+        // The dial holds still while a frequency is typed, as it would on a receiver.
+        QCOMPARE(textOf("scan/active"), QString::fromLatin1(isFrequency ? "false" : "true"));
+        BoxCloser closer;
+        retype(edit, typed);
+        QCOMPARE(closer.said, box);
+        QCOMPARE(numberOf(isFrequency ? "frequency" : "squelch"), written);
+        QCOMPARE(edit->text(), shown);
+        QCOMPARE(label->text(), readout);
+    }
+
+    void frequencyFieldFollowsStateAndRestore()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Entry fields", true));
+        ValueTreeModel* model = window.valueTreeModel();
+        auto* edit = child<VCLineEdit>(window, "frequencyLineEdit");
+        QVERIFY(edit);
+        dynamic_cast<values::IValueNumeric*>(find(rx("frequency")))->SetValue(7305, nullptr);
+        QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
+        QVERIFY(switchTo(model, "frequency", Disabled));
+        QVERIFY(!edit->isEnabled());
+        // Removed, the field lets go and keeps its text; restored, it edits the re-created frequency.
+        QVERIFY(switchTo(model, "frequency", Removed));
+        QVERIFY(!edit->GetValuePtr());
+        QCOMPARE(edit->text(), QStringLiteral("7.305 MHz"));
+        window.restoreInstrument();
+        QVERIFY(edit->GetValuePtr() && edit->isEnabled());
+        QCOMPARE(edit->text(), QStringLiteral("7 MHz"));
+        retype(edit, QStringLiteral("9.4"));
+        QCOMPARE(numberOf("frequency"), 9400.0);
+    }
+
+    void entryControlsWriteTheirValues()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Entry fields", true));
+        auto* gain = child<VCNumericFloatSpin>(window, "gainSpinBox");
+        auto* readout = child<ValueReadout>(window, "gainEntryReadout");
+        QVERIFY(gain && readout && gain->isEnabled());
+        QCOMPARE(gain->text(), QStringLiteral("30 dB"));
+        // A burst of steps shows at once, and reaches the value as one edit when it is over.
+        gain->setFocus();
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(gain, Qt::Key_Up);
+        QCOMPARE(gain->text(), QStringLiteral("33 dB"));
+        QCOMPARE(numberOf("gain"), 30.0);
+        QCOMPARE(readout->text(), QStringLiteral("30 dB"));
+        QTRY_COMPARE(numberOf("gain"), 33.0);
+        QCOMPARE(readout->text(), QStringLiteral("33 dB"));
+        QCOMPARE(values::UndoRecorder::Instance().Count(), 1);
+        auto* arrows = child<VCScrollButtons>(window, "volumeScrollButtons");
+        auto* slider = child<VCSlider>(window, "volumeStripSlider");
+        auto* volume = child<ValueReadout>(window, "volumeEntryReadout");
+        QVERIFY(arrows && slider && volume);
+        VCButton* const buttons[] = {arrows->GetMinusButton(), arrows->GetMinusPageButton(), arrows->GetPlusPageButton(),
+                                     arrows->GetPlusButton()};
+        for (VCButton* button : buttons)
+            QVERIFY(button && button->isVisible());
+        // The four buttons stand inside the strip, at its ends and clear of the slider between them.
+        QVERIFY(buttons[1]->geometry().right() < slider->geometry().left());
+        QVERIFY(buttons[2]->geometry().left() > slider->geometry().right());
+        const std::pair<VCButton*, double> clicks[] = {
+            {buttons[3], 41}, {buttons[2], 51}, {buttons[2], 61}, {buttons[1], 51}, {buttons[0], 50}};
+        for (const auto& click : clicks) {
+            QTest::mouseClick(click.first, Qt::LeftButton);
+            QCOMPARE(numberOf("volume"), click.second);
+            QCOMPARE(slider->value(), int(click.second));
+            QCOMPARE(volume->text(), QString::number(click.second) + QStringLiteral(" %"));
+        }
+        auto* notes = child<VCTextEdit>(window, "notesTextEdit");
+        auto* noted = child<ValueReadout>(window, "notesEntryReadout");
+        auto* squelch = child<VCLineEdit>(window, "squelchLineEdit");
+        QVERIFY(notes && noted && squelch && notes->isEnabled());
+        QCOMPARE(notes->GetText(), QStringLiteral("40 m band watch"));
+        notes->setFocus();
+        notes->moveCursor(QTextCursor::End);
+        QTest::keyClicks(notes, QStringLiteral(", 7.2 MHz"));
+        QTest::keyClick(notes, Qt::Key_Return);
+        QTest::keyClicks(notes, QStringLiteral("quiet"));
+        // Typing alone writes nothing.
+        QCOMPARE(textOf("notes"), QStringLiteral("40 m band watch"));
+        QCOMPARE(noted->text(), QStringLiteral("40 m band watch"));
+        squelch->setFocus();
+        QTRY_VERIFY(!notes->hasFocus());
+        const QString written = QStringLiteral("40 m band watch, 7.2 MHz\nquiet");
+        QCOMPARE(textOf("notes"), written);
+        QCOMPARE(noted->text(), written);
+    }
+};
 
 QTEST_MAIN(GalleryTest)
 #include "gallerytest.moc"
