@@ -22,7 +22,8 @@ class QTranslator;
  *  2. \c translations/ beside the application binary;
  *  3. \c <location>/<namespace>/translations (namespace in lower case) for each of
  *     QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation), e.g.
- *     \c /usr/share/vandrel/translations;
+ *     \c /usr/share/vandrel/translations; a Qt 6 build first tries \c <location>/<namespace>6/translations,
+ *     where its own catalogs install beside those of a Qt 5 build;
  *  4. the Qt resource directory \c :/i18n.
  *
  * Within a directory each of QLocale::uiLanguages() is tried from its full tag down to the bare

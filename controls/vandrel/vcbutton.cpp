@@ -288,7 +288,11 @@ void VCButton::mouseReleaseEvent(QMouseEvent* event)
 void VCButton::keyPressEvent(QKeyEvent* event)
 {
     if (!event->isAutoRepeat() && isSelectKey(event->key())) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        animateClick(); // always 100 ms in Qt 6
+#else
         animateClick(100);
+#endif
         StartRepeater();
         return;
     }
@@ -316,7 +320,11 @@ void VCButton::focusOutEvent(QFocusEvent* event)
     Update(ObservableOf(m_pValueSelection), ValueChanged);
 }
 
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+void VCButton::enterEvent(QEnterEvent* event)
+#else
 void VCButton::enterEvent(QEvent* event)
+#endif
 {
     if (!m_bNoButton)
         QToolButton::enterEvent(event);

@@ -11,7 +11,11 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QRegExp>
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 #include <QRegExpValidator>
+#else
+#include <QValidator>
+#endif
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -20,6 +24,31 @@
 namespace {
 
 const QString kSourceUnit = QStringLiteral("controls/vandrel/vclineedit");
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+using RegExpValidator = QRegExpValidator;
+#else
+// Qt 6 keeps QRegExp in its compatibility module but not QRegExpValidator: this answers as that did.
+class RegExpValidator : public QValidator
+{
+public:
+    RegExpValidator(const QRegExp& pattern, QObject* parent) : QValidator(parent), m_pattern(pattern) {}
+
+    State validate(QString& input, int& pos) const override
+    {
+        if (m_pattern.exactMatch(input))
+            return Acceptable;
+        // A text that ran out while still matching may yet become acceptable.
+        if (m_pattern.matchedLength() == input.size())
+            return Intermediate;
+        pos = int(input.size());
+        return Invalid;
+    }
+
+private:
+    QRegExp m_pattern;
+};
+#endif
 
 bool isKnownType(int type)
 {
@@ -96,7 +125,7 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
         SuffixedDouble::ESuffix suffix = SuffixedDouble::SuffixAuto;
         if (fixedPrefix(m_eType, suffix))
             m_pSuffixedDouble->SetSuffix(suffix);
-        setValidator(new QRegExpValidator(frequencyPattern, this));
+        setValidator(new RegExpValidator(frequencyPattern, this));
         break;
     }
     case SuffixedNumber:

@@ -222,8 +222,14 @@ void TranslationCenter::load(const QByteArray& name, Entry& entry) const
     QStringList directories = m_searchPaths;
     directories.append(QCoreApplication::applicationDirPath() + QLatin1String("/translations"));
     const QStringList dataLocations = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
-    for (const QString& location : dataLocations)
+    for (const QString& location : dataLocations) {
+        // A Qt 6 build's catalogs stand beside a Qt 5 build's, in "<namespace>6"; its own come first.
+        constexpr char dataDirSuffix[] = ORVI_DATA_DIR_SUFFIX;
+        if (dataDirSuffix[0] != '\0')
+            directories.append(location + QLatin1Char('/') + base + QLatin1String(dataDirSuffix) +
+                               QLatin1String("/translations"));
         directories.append(location + QLatin1Char('/') + base + QLatin1String("/translations"));
+    }
     directories.append(QStringLiteral(":/i18n"));
 
     const QStringList fileNames =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 namespace plinthor {
 
@@ -34,7 +35,7 @@ inline int naturalCompare(const QString& a, const QString& b)
             const int lengthB = j - firstB;
             if (lengthA != lengthB)
                 return lengthA < lengthB ? -1 : 1;
-            const int byDigits = QStringRef(&a, firstA, lengthA).compare(QStringRef(&b, firstB, lengthB));
+            const int byDigits = QStringView(a).mid(firstA, lengthA).compare(QStringView(b).mid(firstB, lengthB));
             if (byDigits != 0)
                 return byDigits;
         } else {

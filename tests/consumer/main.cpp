@@ -27,6 +27,6 @@ int main(int argc, char** argv)
     // The coordinate formats come with the base controls' own (private) GeographicLib link.
     if (basecontrols::CoordText::Format(59.330231, 18.059196, SweRef99) != QStringLiteral("N: 6580822 E: 674032"))
         return 5;
-    std::puts("consumer: bound slider follows and writes its value; coordinates convert");
+    std::printf("consumer (Qt %s): bound slider follows and writes its value; coordinates convert\n", qVersion());
     return 0;
 }
