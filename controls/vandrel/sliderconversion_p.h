@@ -19,11 +19,17 @@ inline double PinToIntRange(double x)
     return qBound(double(INT_MIN), x, double(INT_MAX));
 }
 
-/// qRound, for numbers of any size.
+/// Qt 5's qRound, for numbers of any size: a half goes up (-1.5 gives -1), also where Qt 6's qRound
+/// takes it away from zero.
 inline int RoundToInt(double x)
 {
     const double pinned = PinToIntRange(x);
-    return pinned >= double(INT_MAX) ? INT_MAX : qRound(pinned);
+    if (pinned >= double(INT_MAX))
+        return INT_MAX;
+    if (pinned >= 0.0)
+        return int(pinned + 0.5);
+    const int below = int(pinned - 1.0);
+    return int(pinned - double(below) + 0.5) + below;
 }
 
 /// Truncation toward zero, for numbers of any size.

@@ -4,6 +4,19 @@
 
 namespace values {
 
+namespace {
+
+// Qt 5's qRound64: a half goes up (-2.5 gives -2). Qt 6's takes it away from zero instead.
+qint64 roundHalfUp(double x)
+{
+    if (x >= 0.0)
+        return qint64(x + 0.5);
+    const qint64 below = qint64(x - 1.0);
+    return qint64(x - double(below) + 0.5) + below;
+}
+
+} // namespace
+
 IValueNumeric::~IValueNumeric() = default;
 
 NumericValueBase::NumericValueBase(double value, double minimum, double maximum, double step, bool integral)
@@ -30,8 +43,8 @@ NumericValueBase::~NumericValueBase()
 double NumericValueBase::fit(double value) const
 {
     if (m_bIntegral)
-        value = double(qRound64(qBound(double(std::numeric_limits<qint64>::min() / 2), value,
-                                       double(std::numeric_limits<qint64>::max() / 2))));
+        value = double(roundHalfUp(qBound(double(std::numeric_limits<qint64>::min() / 2), value,
+                                          double(std::numeric_limits<qint64>::max() / 2))));
     return qBound(m_fMinimum, value, m_fMaximum);
 }
 

@@ -94,10 +94,16 @@ bool Plinthor::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::ApplicationPaletteChange && watched == m_pWatchedApplication
         && !m_bColorsChangePending) {
         m_bColorsChangePending = true;
-        QTimer::singleShot(0, this, [this] {
+        auto announce = [this] {
             m_bColorsChangePending = false;
             Q_EMIT signalColorsChanged();
-        });
+        };
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        // Qt 6 hands the change on to the shown windows in events it posts after this one: queue behind them.
+        QTimer::singleShot(0, this, [this, announce] { QTimer::singleShot(0, this, announce); });
+#else
+        QTimer::singleShot(0, this, announce);
+#endif
     }
     return QObject::eventFilter(watched, event);
 }

@@ -218,6 +218,16 @@ private slots:
         // <location>/<namespace in lower case>/translations comes before :/i18n, which also has dataspace_de.qm.
         QCOMPARE(center().LoadedCatalog(names[1]),
                  m_dataHome.path() + QStringLiteral("/dataspace/translations/dataspace_de.qm"));
+
+        // A Qt 6 build installs its catalogs beside a Qt 5 build's, under <namespace>6, and prefers those;
+        // a Qt 5 build never looks there.
+        const QString qt6Dir = m_dataHome.path() + QStringLiteral("/dataspace6/translations");
+        const auto removeQt6Dir = qScopeGuard([&] { QDir(qt6Dir).removeRecursively(); });
+        QVERIFY(copyCatalog(qt6Dir, QStringLiteral("dataspace_de.qm")));
+        center().SetLocale(QStringLiteral("de"));
+        const QString expectedDir = QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+            ? qt6Dir : m_dataHome.path() + QStringLiteral("/dataspace/translations");
+        QCOMPARE(center().LoadedCatalog(names[1]), expectedDir + QStringLiteral("/dataspace_de.qm"));
     }
 
     void applicationTranslators()

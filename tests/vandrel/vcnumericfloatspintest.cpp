@@ -185,7 +185,9 @@ private Q_SLOTS:
         QFETCH(bool, forReading);
         Spin spin;
         // A broken expression is reported by the field's own check as the suffix is set, then by ours.
-        const char* warning = "QRegularExpressionPrivate::doMatch(): called on an invalid QRegularExpression object";
+        // Qt 6 appends the pattern to Qt 5's text.
+        const QRegularExpression warning(
+            QStringLiteral("^QRegularExpressionPrivate::doMatch\\(\\): called on an invalid QRegularExpression object"));
         for (int i = 0; i < (QRegularExpression(suffix).isValid() ? 0 : 2); ++i)
             QTest::ignoreMessage(QtWarningMsg, warning);
         spin.setPrefix(prefix);
