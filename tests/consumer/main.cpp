@@ -9,6 +9,9 @@
 
 int main(int argc, char** argv)
 {
+    // Only the installed catalogs, and for a Qt 6 build those of its own, suffixed directory.
+    qputenv("XDG_DATA_HOME", VANDREL_PREFIX "/nowhere");
+    qputenv("XDG_DATA_DIRS", VANDREL_PREFIX "/share");
     QApplication app(argc, argv);
     auto* gain = new values::IntNumeric(10, 0, 60, 1);
     if (!values::Tree::Instance()->Add(QStringLiteral("/receiver/gain"), gain))
@@ -24,6 +27,11 @@ int main(int argc, char** argv)
     if (!TranslationCenter::Instance().IsRegistered(QStringLiteral("Vandrel"))
         || !TranslationCenter::Instance().IsRegistered(QStringLiteral("Plinthor")))
         return 4;
+    TranslationCenter::Instance().SetLocale(QStringLiteral("de"));
+    const QString catalog = QStringLiteral(VANDREL_PREFIX "/share/vandrel%1/translations/vandrel_de.qm")
+                                .arg(QT_VERSION_MAJOR == 6 ? QStringLiteral("6") : QString());
+    if (TranslationCenter::Instance().LoadedCatalog(QStringLiteral("Vandrel")) != catalog)
+        return 6;
     // The coordinate formats come with the base controls' own (private) GeographicLib link.
     if (basecontrols::CoordText::Format(59.330231, 18.059196, SweRef99) != QStringLiteral("N: 6580822 E: 674032"))
         return 5;

@@ -125,6 +125,30 @@ private Q_SLOTS:
         QTEST(field.SetStringSuffix(QStringLiteral("B")), "factorTakes");
     }
 
+    // The frequency pattern: blanks, digits, one point or comma, one unit letter, "H" or "Hz"; no sign,
+    // no exponent. The field's own check, so that it answers alike under each Qt.
+    void frequencyValidator_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("state");
+        const int ok = QValidator::Acceptable;
+        const int bad = QValidator::Invalid;
+        QTest::newRow("empty") << "" << ok;
+        QTest::newRow("unit") << " 100,5 mhZ" << ok;
+        QTest::newRow("prefix only") << "4.7k" << ok;
+        QTest::newRow("two points") << "1.2.3" << bad;
+        QTest::newRow("sign") << "-5" << bad;
+        QTest::newRow("exponent") << "1e3" << bad;
+        QTest::newRow("other letter") << "12 THz" << bad;
+    }
+    void frequencyValidator()
+    {
+        QFETCH(QString, text);
+        VCLineEdit field(nullptr, "f", VCLineEdit::Frequency);
+        int pos = 0;
+        QTEST(int(field.validator()->validate(text, pos)), "state");
+    }
+
     // One typed text per type, committed with Return to a number with wide limits.
     void commitByType_data()
     {
