@@ -274,22 +274,22 @@ VANDREL_EXPORT signed char ScanChangeLog(const values::MultiSelectionChangeLog* 
 /**
  * \brief Runs a binding \a body that may meet exceptions of the value framework.
  *
- * A BrevanException or std::exception is traced (when the mask asks for failures), logged and
- * reported through ErrorHandler::Interface(), and the binding gives false. Other exceptions pass.
+ * A BrevanException or std::exception is traced once (when the mask asks for failures) under the
+ * caller's \a unit and \a line, logged and reported through ErrorHandler::Interface(), and the binding
+ * gives false. Other exceptions pass. A binding writes
+ * `return GuardedBinding(__FILE__, __LINE__, [&] { ... });`.
  */
 template <class Body>
-bool GuardedBinding(const char* unit, Body&& body)
+bool GuardedBinding(const char* unit, unsigned short line, Body&& body)
 {
     try {
         return body();
     } catch (const BrevanException& e) {
-        const unsigned short line = __LINE__;
         if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
             _Q_Trace(QStringLiteral("BrevanException caught in standard catch-block"), QString::fromUtf8(unit), line);
         ErrorHandler::Interface()->LogException(e);
         ErrorHandler::Interface()->ReportException(e, nullptr, -1, true, false);
     } catch (const std::exception& e) {
-        const unsigned short line = __LINE__;
         if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
             _Q_Trace(QStringLiteral("Standard C++ Exception caught in standard catch-block"), QString::fromUtf8(unit), line);
         const BrevanException wrapped(QString::fromUtf8(e.what()), QString::fromUtf8(unit), QStringLiteral("class"),
