@@ -17,7 +17,6 @@ case "${1:-}" in
 esac
 
 if [ -n "$locale" ]; then
-    bash scripts/deps.sh locales
     bash scripts/deps.sh --locale "$locale"
 else
     bash scripts/deps.sh
