@@ -44,6 +44,20 @@ bool fixedPrefix(VCLineEdit::LineEditType type, SuffixedDouble::ESuffix& suffix)
     }
 }
 
+// The field went while its range box stood: the value, if it is still there, gets the limit that the
+// box announced all the same.
+void writeLimitOfGoneField(const QString& path, bool maximum, bool suffixed)
+{
+    values::Tree* tree = values::Tree::Instance();
+    auto* value = tree && !path.isEmpty() ? dynamic_cast<values::IValueNumeric*>(tree->Find(path)) : nullptr;
+    if (!value)
+        return;
+    double limit = maximum ? value->GetMaximum() : value->GetMinimum();
+    if (suffixed && !maximum)
+        limit = std::max(0.0, limit);
+    value->SetValue(limit, nullptr);
+}
+
 // A factor of 0 or 1 means "no scaling".
 bool scales(double factor)
 {
@@ -436,12 +450,16 @@ bool VCLineEdit::checkRangeAndWrite()
     }
 
     // Strict tests, so NaN counts as in range.
+    const QString path = ValueBaseOf(value) ? ValueBaseOf(value)->GetPathName() : QString();
+    const bool suffixed = m_pSuffixedDouble != nullptr;
     if (entered > maximum) {
         if (!m_bSuppressError
             && !reportRange(tr("Input Error"),
                             tr("Input exceeds maximum, value set to %1.\nAllowed range from %2 to %3."), maximum,
-                            minimum, maximum))
+                            minimum, maximum)) {
+            writeLimitOfGoneField(path, true, suffixed);
             return false;
+        }
         // The box runs an event loop, in which the value may have gone.
         value = m_pNumericValue;
         if (value) {
@@ -465,8 +483,10 @@ bool VCLineEdit::checkRangeAndWrite()
         if (!m_bSuppressError
             && !reportRange(tr("Range Check Error"),
                             tr("Input underruns minimum, value set to %1.\nAllowed range from %2 to %3."), minimum,
-                            minimum, maximum))
+                            minimum, maximum)) {
+            writeLimitOfGoneField(path, false, suffixed);
             return false;
+        }
         value = m_pNumericValue;
         if (value) {
             // An underrun writes as the field itself, an overrun with no originator; both redraw below.
@@ -512,7 +532,11 @@ bool VCLineEdit::reportRange(const QString& title, const QString& message, doubl
     }
     const QPointer<VCLineEdit> alive(this);
     setStyleSheet(m_strStyleError);
-    QMessageBox::information(this, title, text, QMessageBox::Ok, QMessageBox::NoButton);
+    // What QMessageBox::information() shows, but on the heap: a box on the stack would be deleted
+    // with its parent, this field, while its event loop still runs.
+    const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Information, title, text, QMessageBox::Ok, this);
+    box->exec();
+    delete box.data();
     if (!alive)
         return false;
     setStyleSheet(m_strStyleNormal);
