@@ -48,6 +48,9 @@ bool VCCheckBox::SetBoolean(values::Value<bool>* value)
     DetachValue(m_pBool, this);
     DetachValue(m_pSelection, this);
     m_pBool = value;
+    // A null value leaves the box unbound, as SetSelection() does, instead of dereferencing it.
+    if (!m_pBool)
+        return false;
     ObservableOf(m_pBool)->Attach(this);
     // Only the value, not its state: the box stays as enabled as it was until the state changes.
     Update(ObservableOf(m_pBool), ValueChanged);

@@ -112,6 +112,10 @@ void VCCoordEdit::actAsLabel()
 
 void VCCoordEdit::setFormat(CoordFormat format)
 {
+    // A number outside the enumeration is no format: it must not reach the format value, which would
+    // clamp it into a real one.
+    if (!basecontrols::CoordText::IsValidFormat(format))
+        return;
     basecontrols::CoordEdit::setFormat(format);
     if (m_pFormatNumericValue && !SurvivesWrite(this, [this, format] { m_pFormatNumericValue->SetValue(double(format), this); }))
         return;

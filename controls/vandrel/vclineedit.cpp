@@ -237,9 +237,13 @@ void VCLineEdit::SetNumeric(double value)
         if (scales(m_fFactor))
             value *= m_fFactor;
         QString text;
-        if (m_nDecimals != -1 && m_nIntegerDigits != -1)
-            text = QStringLiteral("%1").arg(value, m_nIntegerDigits + m_nDecimals, 'f', m_nDecimals, QLatin1Char(' '));
-        else
+        if (m_nDecimals != -1 && m_nIntegerDigits != -1) {
+            // No double has digits beyond 323 decimals, and Qt's formatter aborts on a far larger
+            // precision; no field holds a text wider than its maxLength(). The sum must not overflow.
+            const int decimals = qMin(m_nDecimals, 323);
+            const int width = int(qBound<qint64>(-maxLength(), qint64(m_nIntegerDigits) + decimals, maxLength()));
+            text = QStringLiteral("%1").arg(value, width, 'f', decimals, QLatin1Char(' '));
+        } else
             text = QStringLiteral("%1").arg(value, 0, 'g', -1, QLatin1Char(' '));
         AddSuffix(text);
         if (!SurvivesWrite(this, [this, &text] { SetText(text); }))

@@ -149,7 +149,7 @@ private Q_SLOTS:
         QCOMPARE(spin.textFromValue(-5), QStringLiteral("auto"));
         QCOMPARE(spin.valueFromText(QStringLiteral("auto")), -5.0);
         spin.setDecimals(2);
-        QCOMPARE(spin.textFromValue(-5), QStringLiteral("0.00"));
+        QCOMPARE(spin.textFromValue(-5), spin.locale().toString(0.0, 'f', 2)); // "0,00" in German
         // Unreadable text gives value() through the inverse scalings, not the internal number.
         spin.SetDisplayAdditveOffset(0);
         spin.SetDisplayScalingFactor(2);
@@ -175,7 +175,8 @@ private Q_SLOTS:
         QTest::newRow("suffix as syntax") << "" << "(s)" << "12s" << true << ok << "12";
         QTest::newRow("suffix not literal") << "" << "(s)" << "12 (s)" << false << bad << "12 (s)";
         QTest::newRow("bad expression") << "" << "(" << "12" << false << bad << "12";
-        QTest::newRow("too many decimals") << "" << "" << "1.5" << false << bad << "1.5";
+        const QString oneAndAHalf = QStringLiteral("1") + QLocale().decimalPoint() + QStringLiteral("5");
+        QTest::newRow("too many decimals") << "" << "" << oneAndAHalf << false << bad << oneAndAHalf;
     }
     void validation()
     {
