@@ -3,29 +3,33 @@
 #   scripts/test.sh              build in build/, run the suite
 #   scripts/test.sh --sanitize   the same in build-asan/ under AddressSanitizer (with leak detection)
 #                                and UndefinedBehaviorSanitizer
-#   scripts/test.sh --qt6        the same with Qt 6 instead of Qt 5, in build-qt6/ (with --sanitize:
-#                                build-qt6-asan/)
+#   scripts/test.sh --qt6        the same with Qt 6 instead of Qt 5, in build-qt6/ (build-qt6-asan/)
+#   scripts/test.sh --locale L   the suite in build/ once more with LC_ALL=L (e.g. de_DE.UTF-8, whose
+#                                decimal separator is a comma), generating the locale when it is missing
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
 
 sanitize=0
 qt=5
-for arg in "$@"; do
-    case "$arg" in
-        --sanitize) sanitize=1 ;;
-        --qt6) qt=6 ;;
-        *) echo "usage: scripts/test.sh [--sanitize] [--qt6]" >&2; exit 2 ;;
+locale=""
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --sanitize) sanitize=1; shift ;;
+        --qt6) qt=6; shift ;;
+        --locale) locale="${2:?--locale needs a locale name, e.g. de_DE.UTF-8}"; shift 2 ;;
+        *) echo "usage: scripts/test.sh [--sanitize] [--qt6] [--locale L]" >&2; exit 2 ;;
     esac
 done
 
+deps=()
+suffix=""
 if [ $qt -eq 6 ]; then
-    bash scripts/deps.sh --qt6
+    deps+=(--qt6)
     suffix=-qt6
-else
-    bash scripts/deps.sh
-    suffix=
 fi
+[ -z "$locale" ] || deps+=(--locale "$locale")
+bash scripts/deps.sh "${deps[@]}"
 
 jobs=$(nproc)
 if [ $sanitize -eq 1 ]; then
@@ -39,8 +43,15 @@ if [ $sanitize -eq 1 ]; then
     export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 else
     build=build$suffix
-    cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DVANDREL_WERROR=ON -DVANDREL_BUILD_TESTS=ON >/dev/null
+    # The locale run reuses the normal build; configure only a fresh one.
+    [ -n "$locale" ] && [ -f "$build/CMakeCache.txt" ] ||
+        cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DVANDREL_WERROR=ON -DVANDREL_BUILD_TESTS=ON >/dev/null
 fi
 cmake --build "$build" -j"$jobs"
 cd "$build"
+if [ -n "$locale" ]; then
+    # Qt takes its system locale from these variables, the C library from setlocale() in QApplication.
+    export LC_ALL="$locale" LANG="$locale" LANGUAGE=""
+    echo "== the suite under LC_ALL=$LC_ALL"
+fi
 ctest --output-on-failure -j"$jobs" --timeout 300
