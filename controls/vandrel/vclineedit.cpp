@@ -270,7 +270,7 @@ void VCLineEdit::SetNumeric(double value)
             // No double has digits beyond 323 decimals, and Qt's formatter aborts on a far larger
             // precision; no field holds a text wider than its maxLength(). The sum must not overflow.
             const int decimals = qMin(m_nDecimals, 323);
-            const int width = int(qBound<qint64>(-maxLength(), qint64(m_nIntegerDigits) + decimals, maxLength()));
+            const int width = int(qBound(qint64(-maxLength()), qint64(m_nIntegerDigits) + decimals, qint64(maxLength())));
             text = QStringLiteral("%1").arg(value, width, 'f', decimals, QLatin1Char(' '));
         } else
             text = QStringLiteral("%1").arg(value, 0, 'g', -1, QLatin1Char(' '));
