@@ -191,7 +191,7 @@ bool parseGeographic(const QString& text, double& latitude, double& longitude)
     return true;
 }
 
-constexpr QLatin1String bandLetters("CDEFGHJKLMNPQRSTUVWX");
+const QLatin1String bandLetters("CDEFGHJKLMNPQRSTUVWX");
 
 // The latitude band of a UTM position: 8° from 80° S, the last one (X) reaching to 84° N.
 int bandIndex(double latitude)
