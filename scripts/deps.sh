@@ -1,10 +1,16 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Vandrel needs to build, test and run its gallery, when any is missing.
-# Sourced by the other scripts; usable on its own: scripts/deps.sh [extra-package...]
+# Sourced by the other scripts; usable on its own: scripts/deps.sh [--fuzz] [extra-package...]
+# --fuzz adds what scripts/fuzz.sh needs: clang, its libFuzzer and sanitizer runtimes, llvm-symbolizer.
 set -euo pipefail
 
+extra=()
+if [ "${1:-}" = "--fuzz" ]; then
+    shift
+    extra=(clang libclang-rt-14-dev llvm)
+fi
 packages=(cmake g++ make pkg-config extra-cmake-modules qtbase5-dev qttools5-dev qttools5-dev-tools
-          libqt5svg5-dev libgeographiclib-dev "$@")
+          libqt5svg5-dev libgeographiclib-dev "${extra[@]}" "$@")
 
 missing=()
 for p in "${packages[@]}"; do
