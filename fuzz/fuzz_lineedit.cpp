@@ -23,7 +23,7 @@ struct Setting {
     double minimum;
     double maximum;
     double start;
-    // SetFormat() of a plain field; integerDigits -2 for none.
+    // SetFormat() of a plain field; the first is the format of a field that was given none.
     int integerDigits;
     int decimals;
     const char* suffix;
@@ -32,7 +32,7 @@ struct Setting {
 };
 
 const Setting kSettings[] = {
-    {-1e6, 1e9, 250.0, -2, -1, "", false, 1.0},
+    {-1e6, 1e9, 250.0, -1, -1, "", false, 1.0},
     {1000.0, 2000.0, 1500.0, 3, 2, "Hz", true, 1000.0},
     {-10.0, 5e9, 0.5, -1, -1, "dB", false, 1.0},
     {-1.7976931348623157e308, 1.7976931348623157e308, 1.0, -1, -1, "", true, 0.0},
@@ -102,9 +102,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     value->SetRange(setting.minimum, setting.maximum, 0.0);
     value->SetValue(setting.start, nullptr);
 
-    VCLineEdit field(nullptr, "fuzz", type);
-    field.SuppressErrorMessage(true);
-    if (type == VCLineEdit::PlainEdit && setting.integerDigits != -2) {
+    // One field per type for the whole run, its format set anew for each input: building a field
+    // costs more than the rest of an input.
+    static VCLineEdit* fields[8] = {};
+    if (!fields[type]) {
+        fields[type] = new VCLineEdit(nullptr, "fuzz", type);
+        fields[type]->SuppressErrorMessage(true);
+    }
+    VCLineEdit& field = *fields[type];
+    if (type == VCLineEdit::PlainEdit) {
         const QString letters = setting.unitLetters ? QStringLiteral("km") + QChar(0xFFB5) : QString();
         field.SetFormat(setting.integerDigits, setting.decimals, QString::fromLatin1(setting.suffix), letters,
                         setting.factor);
