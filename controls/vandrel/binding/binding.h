@@ -14,11 +14,15 @@
 #include <brevanbase/brevanbase.h>
 #include <values/values.h>
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
 #include <exception>
+#include <functional>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 /// The Observable part of \a value, or null for a null value. The same pointer for every view of a value.
 template <class T>
@@ -189,6 +193,73 @@ bool ForgetDestroyedValue(T*& value, Observable* source)
     value = nullptr;
     return true;
 }
+
+/**
+ * \brief Runs \a write, a write of \a control to one of its values, and tells whether the control
+ * outlived it.
+ *
+ * Observers of the value run inside the write, and one of them may delete the control: an application
+ * that closes a panel when a value changes, or an undo that rebuilds it. A control touches nothing of
+ * itself after a write that this answered false for.
+ */
+template <class Write>
+bool SurvivesWrite(QObject* control, Write&& write)
+{
+    const QPointer<QObject> alive(control);
+    write();
+    return !alive.isNull();
+}
+
+/**
+ * \brief Holds back the writes a control makes while its Qt base class handles one of its events.
+ *
+ * Some Qt widgets go on touching themselves after the hook in which a control writes: a spin box steps
+ * inside its key, mouse and timer handlers and then updates its own state. An observer of the write
+ * may delete the control, so such a control routes its events through Deliver() and its writes through
+ * Write(): inside an event a write runs once the base class has returned, in the order made; outside
+ * one it runs at once. Nothing of the control is touched after a held write that deleted it.
+ */
+class HeldWrites
+{
+public:
+    /// Runs \a handler, the base class's handling of one event, then the writes it held.
+    template <class Handler>
+    bool Deliver(QObject* control, Handler&& handler)
+    {
+        const QPointer<QObject> alive(control);
+        ++m_nDepth;
+        const bool result = handler();
+        if (!alive)
+            return result;
+        if (--m_nDepth > 0 || m_writes.empty())
+            return result;
+        std::vector<std::function<void()>> writes;
+        writes.swap(m_writes);
+        for (const std::function<void()>& write : writes) {
+            write();
+            if (!alive)
+                break;
+        }
+        return result;
+    }
+
+    /// Runs \a write now, or when the event being handled has been, if one is.
+    template <class Body>
+    void Write(Body&& write)
+    {
+        if (m_nDepth > 0)
+            m_writes.emplace_back(std::forward<Body>(write));
+        else
+            write();
+    }
+
+    /// Whether writes are held now.
+    bool Holding() const { return m_nDepth > 0; }
+
+private:
+    int m_nDepth = 0;
+    std::vector<std::function<void()>> m_writes;
+};
 
 /**
  * \brief Reads the entries of \a log from \a nextSequence on.
