@@ -65,14 +65,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const bool scaled = setting / 8;
     const QString input = fuzz::text(data + 2, size - 2);
 
-    QLocale::setDefault(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::c());
     values::DoubleNumeric* value = level();
     value->SetValue(kStart, nullptr);
 
     // One box for the whole run, all of its settings made anew for each input: building a spin box
     // costs more than the rest of an input.
     static VCNumericFloatSpin& spin = *new VCNumericFloatSpin(nullptr, "fuzz");
-    spin.setLocale(QLocale());
+    // The box's own locale, the application's staying C: the box shows and reads in its own.
+    spin.setLocale(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::c());
     spin.setDecimals(decimals);
     spin.setPrefix(QString::fromLatin1(affixes.prefix));
     spin.setSuffix(QString::fromLatin1(affixes.suffix));
