@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Vandrel needs to build, test and run its gallery, when any is missing.
-# Sourced by the other scripts; usable on its own: scripts/deps.sh [--qt6] [--locale L] [extra-package...]
+# Sourced by the other scripts; usable on its own: scripts/deps.sh [--qt6] [--fuzz] [--locale L] [extra-package...]
 #   --qt6                   also the Qt 6 packages (the Qt 5 ones stay: they are the reference build)
+#   --fuzz                  also what scripts/fuzz.sh needs: clang, its libFuzzer and sanitizer runtimes, llvm-symbolizer
 #   --locale de_DE.UTF-8    also generates that locale of the C library when it is missing
 set -euo pipefail
 
@@ -10,6 +11,7 @@ more=()
 while [ $# -gt 0 ]; do
     case "$1" in
         --qt6) more+=(qt6-base-dev qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-5compat-dev); shift ;;
+        --fuzz) more+=(clang libclang-rt-14-dev llvm); shift ;;
         --locale) locale_name="${2:?--locale needs a locale name, e.g. de_DE.UTF-8}"; shift 2; more+=(locales) ;;
         *) break ;;
     esac

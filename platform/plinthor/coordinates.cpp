@@ -167,6 +167,23 @@ bool splitGeographic(QString text, QString& first, QString& second)
     return true;
 }
 
+// Colons separate the at most three parts of plain numbers only. GeographicLib's reader (2.1) runs
+// past the end of its arrays on more parts ("1:2:3:4:5:6") or on colon parts after a seconds mark
+// ("1\"2:3:4") and crashes, so such a piece never reaches it.
+bool hasUnreadableColons(const QString& piece)
+{
+    if (!piece.contains(QLatin1Char(':')))
+        return false;
+    if (piece.count(QLatin1Char(':')) > 2)
+        return true;
+    for (QChar c : piece) {
+        const bool digit = c >= QLatin1Char('0') && c <= QLatin1Char('9');
+        if (!digit && !isHemisphere(c) && !QStringLiteral(".+-:").contains(c))
+            return true;
+    }
+    return false;
+}
+
 bool parseGeographic(const QString& text, double& latitude, double& longitude)
 {
     QString first;
@@ -175,7 +192,7 @@ bool parseGeographic(const QString& text, double& latitude, double& longitude)
         return false;
     first = dmsPiece(first);
     second = dmsPiece(second);
-    if (first.isEmpty() || second.isEmpty())
+    if (first.isEmpty() || second.isEmpty() || hasUnreadableColons(first) || hasUnreadableColons(second))
         return false;
     double lat = 0;
     double lon = 0;
@@ -191,7 +208,7 @@ bool parseGeographic(const QString& text, double& latitude, double& longitude)
     return true;
 }
 
-constexpr QLatin1String bandLetters("CDEFGHJKLMNPQRSTUVWX");
+const QLatin1String bandLetters("CDEFGHJKLMNPQRSTUVWX");
 
 // The latitude band of a UTM position: 8° from 80° S, the last one (X) reaching to 84° N.
 int bandIndex(double latitude)

@@ -245,6 +245,8 @@ private Q_SLOTS:
         QTest::newRow("two latitudes") << int(GeoDecimal) << "59N 60N";
         QTest::newRow("exponent") << int(GeoDecimal) << "1e1 18";
         QTest::newRow("sixty minutes") << int(Geo) << "59°60' 18°";
+        QTest::newRow("seconds mark before colons") << int(Geo) << "1\"2:3:4 N, 18 E";
+        QTest::newRow("six colon parts") << int(Geo) << "59:19:48 1:2:3:4:5:6";
         QTest::newRow("UTM no northing") << int(Utm) << "34V 332700";
         QTest::newRow("UTM zone 61") << int(Utm) << "61V 500000 6580519";
         QTest::newRow("UTM band I") << int(Utm) << "34I 332700 6580519";
