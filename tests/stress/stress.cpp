@@ -16,6 +16,7 @@
 #include <QWheelEvent>
 #include <QElapsedTimer>
 #include <QKeySequence>
+#include <QLocale>
 
 #include <cmath>
 #include <cstdio>
@@ -64,6 +65,7 @@ struct Killer : IObserver
     void Update(Observable*, TChangeCode code) override;
     Harness* harness = nullptr;
     values::ValueBase* value = nullptr;
+    int cell = -1;
     int control = -1;
     bool armed = false;
 };
@@ -260,8 +262,11 @@ struct Harness
         for (int s : c.bound)
             if (s >= 0)
                 writable.insert(s); // entry fields commit what they hold when they go
+        // Forgotten before it goes, so that a killer woken by its last commit doesn't delete it twice.
+        QObject* object = c.object.data();
+        c.object = nullptr;
         QPointer<QWidget> host = c.host;
-        delete c.object.data();
+        delete object;
         delete host.data();
         c.bound[0] = c.bound[1] = -1;
     }
@@ -345,6 +350,7 @@ struct Harness
     QWidget panel;
     QLineEdit* sink = nullptr;
     QString did; // the user's actions in this step, for the log
+    bool spareWriters = false; // killers never delete a control bound to the value that wakes them
     Slot cells[kSlots];
     std::deque<Control> controls;
     std::vector<std::unique_ptr<Killer>> killers;
@@ -370,7 +376,10 @@ void Killer::Update(Observable*, TChangeCode code)
     if (code != ValueChanged || !armed)
         return;
     armed = false;
-    if (harness->controls[size_t(control)].alive())
+    Control& c = harness->controls[size_t(control)];
+    if (harness->spareWriters && (c.bound[0] == cell || c.bound[1] == cell))
+        return; // bound since the killer was set
+    if (c.alive())
         harness->destroy(control);
 }
 
@@ -555,7 +564,7 @@ std::vector<Driver> makeDrivers()
             case 2: text = QStringLiteral("item%1").arg(h.pick(6)); break;
             default: text = h.word(); break;
             }
-            if (c.variant < 2 && h.chance(0.3))
+            if (c.variant < 2 && h.chance(0.3) && !h.spareWriters)
                 h.deleteBoxOwner = c.index;
             h.type(c.as<VCLineEdit>(), text);
             h.deleteBoxOwner = -1;
@@ -601,7 +610,27 @@ std::vector<Driver> makeDrivers()
             switch (h.pick(3)) {
             case 0: h.wheel(spin, h.chance(0.5) ? 1 : -1); break;
             case 1: h.key(spin, h.chance(0.5) ? Qt::Key_Up : Qt::Key_PageDown); break;
-            default: h.type(spin, QString::number(h.number())); break;
+            default: {
+                // Typed as a user of the application's language writes numbers; what was typed must arrive.
+                QLocale locale;
+                locale.setNumberOptions(QLocale::OmitGroupSeparator);
+                const double typed = std::round(h.number() * 100) / 100;
+                auto* n = spin->isEnabled() ? h.numeric(c.bound[0]) : nullptr;
+                h.type(spin, locale.toString(typed, 'f', spin->decimals()));
+                if (n && spin && h.numeric(c.bound[0]) == n) {
+                    const double scale = std::pow(10.0, spin->decimals());
+                    // Clamped into the limits, then held in the box's decimals, which the value clamps once more.
+                    auto clamp = [n](double x) { return qBound(n->GetMinimum(), x, n->GetMaximum()); };
+                    double expected = clamp(std::round(clamp(std::round(typed * scale) / scale) * scale) / scale);
+                    if (h.cells[c.bound[0]].kind == IntNum)
+                        expected = qBound(n->GetMinimum(), double(std::llround(expected)), n->GetMaximum());
+                    if (std::abs(n->GetValue() - expected) > 1e-9 * std::max(1.0, std::abs(expected)))
+                        throw QStringLiteral("typed %1 into #%2 (limits %3..%4), the value holds %5, the box shows \"%6\"")
+                            .arg(typed).arg(c.index).arg(n->GetMinimum()).arg(n->GetMaximum()).arg(n->GetValue())
+                            .arg(spin ? spin->text() : QString());
+                }
+                break;
+            }
             }
             if (c.variant < 2) // the pending number is committed 200 ms after the last step
                 QTest::qWait(230);
@@ -828,14 +857,18 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         if (!slot.value)
             return QStringLiteral("no killer");
         int target = ci;
+        auto boundHere = [&](int i) { return h.controls[size_t(i)].bound[0] == s || h.controls[size_t(i)].bound[1] == s; };
         for (int i : live)
-            if ((h.controls[size_t(i)].bound[0] == s || h.controls[size_t(i)].bound[1] == s) && h.chance(0.7))
+            if (boundHere(i) && h.chance(0.7))
                 target = i;
+        if (h.spareWriters && boundHere(target))
+            return QStringLiteral("no killer");
         auto k = std::make_unique<Killer>();
         k->harness = &h;
         k->control = target;
         k->armed = true;
         k->value = slot.value;
+        k->cell = s;
         slot.value->Attach(k.get());
         h.killers.push_back(std::move(k));
         return QStringLiteral("killer on %1 for #%2").arg(slot.path).arg(target);
@@ -995,28 +1028,42 @@ int main(int argc, char** argv)
     quint64 seed = std::random_device{}();
     long long steps = 2000;
     bool verbose = false;
+    bool spareWriters = false;
+    QString locale;
     const QStringList args = app.arguments();
     for (int i = 1; i < args.size(); ++i) {
         if (args[i] == QLatin1String("--steps") && i + 1 < args.size())
             steps = args[++i].toLongLong();
         else if (args[i] == QLatin1String("--seed") && i + 1 < args.size())
             seed = args[++i].toULongLong();
+        else if (args[i] == QLatin1String("--locale") && i + 1 < args.size())
+            locale = args[++i];
+        else if (args[i] == QLatin1String("--spare-writers"))
+            spareWriters = true;
         else if (args[i] == QLatin1String("--verbose"))
             verbose = true;
         else {
-            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--verbose]\n");
+            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--verbose]\n");
             return 2;
         }
     }
-    std::printf("vandrel-stress --seed %llu --steps %lld\n", (unsigned long long)seed, steps);
+    // Numbers are typed in the language the seed chose, as users of that language write them.
+    static const char* const locales[] = {"C", "de_DE", "en_US"};
+    if (locale.isEmpty())
+        locale = QLatin1String(locales[seed % 3]);
+    QLocale::setDefault(QLocale(locale));
+    std::printf("vandrel-stress --seed %llu --steps %lld --locale %s\n", (unsigned long long)seed, steps,
+                qPrintable(locale));
     std::fflush(stdout);
 
     const std::vector<Driver> drivers = makeDrivers();
     Harness h(seed);
+    h.spareWriters = spareWriters;
     g_h = &h;
     h.clock.start();
     std::deque<QString> log;
     for (long long n = 1; n <= steps; ++n) {
+        h.did.clear();
         // Timers due (a pending number's commit) land before the step, and so does the commit of a
         // field that got the focus back from a closing message box.
         QCoreApplication::processEvents();
@@ -1052,12 +1099,13 @@ int main(int argc, char** argv)
             check(h);
         } catch (const QString& fault) {
             if (what.isEmpty())
-                log.push_back(QStringLiteral("(the step itself)"));
+                log.push_back(QStringLiteral("(this step)%1").arg(h.did));
             std::printf("FAILED at step %lld: %s\nlast steps:\n", n, qPrintable(fault));
             long long first = n - (long long)log.size() + 1;
             for (const QString& line : log)
                 std::printf("  %lld: %s\n", first++, qPrintable(line));
-            std::printf("replay: vandrel-stress --seed %llu --steps %lld --verbose\n", (unsigned long long)seed, n);
+            std::printf("replay: vandrel-stress --seed %llu --steps %lld --locale %s%s --verbose\n", (unsigned long long)seed,
+                        n, qPrintable(locale), spareWriters ? " --spare-writers" : "");
             return 1;
         }
     }
