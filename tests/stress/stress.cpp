@@ -32,7 +32,7 @@ values::Tree& tree() { return *values::Tree::Instance(); }
 
 enum Kind { Bool, Int, Int64, Text, IntNum, DblNum, Sel, MultiOne, MultiMany, Vector, KindCount };
 const char* const kKindNames[] = {"bool", "int", "int64", "text", "intnum", "dblnum", "sel", "multi1", "multi", "vector"};
-constexpr int kSlots = 16;
+constexpr int kCells = 16;
 constexpr int kMaxControls = 14;
 
 struct Harness;
@@ -51,12 +51,9 @@ struct Recorder : IObserver
             if (trapUnexpected && unexpected(cell))
                 abort();
         }
-        else if (code == ValueDestroyed)
-            gone = true;
     }
     int writes = 0;
     int cell = 0;
-    bool gone = false;
 };
 
 // Deletes a control when its value changes: the control may be the one whose edit made the change.
@@ -70,7 +67,7 @@ struct Killer : IObserver
     bool armed = false;
 };
 
-struct Slot
+struct Cell
 {
     QString path;
     Kind kind = Bool;
@@ -89,11 +86,11 @@ struct Driver
     int roles;                                                       // bindable values
     std::function<QObject*(Harness&, Control&)> create;
     std::function<bool(int role, Kind)> accepts;
-    std::function<bool(Harness&, Control&, int role, int slot)> bind; // the binding call's answer
+    std::function<bool(Harness&, Control&, int role, int cell)> bind; // the binding call's answer
     std::function<void(Harness&, Control&)> input;
     std::function<QString(Harness&, Control&)> shows; // empty when the control shows its values
     // What a bind may write back: Echo the value's own content, Rewrite a content of the control's making.
-    std::function<int(Harness&, Control&, int slot)> echoesOnBind;
+    std::function<int(Harness&, Control&, int cell)> echoesOnBind;
     bool keepsBindingOnFailure = false;
     bool distinctRoles = false; // a value bound in two roles would show in only one of them
     bool followsItems = false; // shows the current item after a rebuild of a selection's items
@@ -135,13 +132,13 @@ struct Harness
         QApplication::setActiveWindow(&panel);
         if (!QTest::qWaitForWindowActive(&panel))
             qWarning("the panel did not become active");
-        for (int i = 0; i < kSlots; ++i) {
+        for (int i = 0; i < kCells; ++i) {
             cells[i].path = QStringLiteral("/stress/v%1").arg(i);
             addValue(i, Kind(i % KindCount));
         }
         // Range boxes of entry fields are answered from a timer, as a user would, or the field is
         // deleted while its box stands when the step asks for that.
-        connect(&boxCloser, [this] {
+        QObject::connect(&boxCloser, &QTimer::timeout, [this] {
             auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
             if (!box)
                 return;
@@ -155,6 +152,7 @@ struct Harness
             if (auto* b = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
                 b->done(QMessageBox::Ok);
         });
+        boxCloser.start(5);
         undoHistory = std::make_unique<values::UndoRecordingsToValueClient>(QStringLiteral("/"));
     }
     ~Harness()
@@ -164,11 +162,6 @@ struct Harness
                 destroy(int(i));
         tree().Clear();
         killers.clear();
-    }
-    void connect(QTimer* t, std::function<void()> f)
-    {
-        QObject::connect(t, &QTimer::timeout, f);
-        t->start(5);
     }
 
     // --- random choices, all from the seed ---
@@ -189,7 +182,7 @@ struct Harness
     // --- the value tree ---
     void addValue(int s, Kind kind)
     {
-        Slot& slot = cells[s];
+        Cell& cell = cells[s];
         values::ValueBase* v = nullptr;
         switch (kind) {
         case Bool: v = new values::BoolValue(chance(0.5)); break;
@@ -215,13 +208,13 @@ struct Harness
         case Vector: v = new values::CheckedStringVector({values::CheckedString(word(), true)}); break;
         case KindCount: break;
         }
-        slot.kind = kind;
-        slot.value = v;
-        slot.state = Enabled;
-        tree().Add(slot.path, v);
-        slot.recorder = std::make_unique<Recorder>();
-        slot.recorder->cell = s;
-        v->Attach(slot.recorder.get());
+        cell.kind = kind;
+        cell.value = v;
+        cell.state = Enabled;
+        tree().Add(cell.path, v);
+        cell.recorder = std::make_unique<Recorder>();
+        cell.recorder->cell = s;
+        v->Attach(cell.recorder.get());
     }
     void fillSelection(values::ValueSelection* sel)
     {
@@ -238,7 +231,6 @@ struct Harness
     {
         return s >= 0 ? dynamic_cast<values::ValueSelection*>(cells[s].value) : nullptr;
     }
-    bool live(int s) const { return s >= 0 && cells[s].value && cells[s].state != Removed; }
 
     // --- controls ---
     int create(const Driver& d)
@@ -278,7 +270,7 @@ struct Harness
                 out.push_back(int(i));
         return out;
     }
-    // A slot's value lets go of every control bound to it (Removed or destroyed).
+    // A cell's value lets go of every control bound to it (Removed or destroyed).
     void unbindAll(int s)
     {
         for (Control& c : controls)
@@ -352,7 +344,7 @@ struct Harness
     QString did; // the user's actions in this step, for the log
     std::pair<int, int> binding{-1, -1}; // the control and the value of a binding under way
     bool spareWriters = false; // killers never delete a control bound to the value that wakes them
-    Slot cells[kSlots];
+    Cell cells[kCells];
     std::deque<Control> controls;
     std::vector<std::unique_ptr<Killer>> killers;
     std::set<int> writable;      // cells the current step may write
@@ -574,13 +566,13 @@ std::vector<Driver> makeDrivers()
         };
         d.shows = [](Harness& h, Control& c) {
             auto* e = c.as<VCLineEdit>();
-            const Slot& slot = h.cells[c.bound[0]];
+            const Cell& cell = h.cells[c.bound[0]];
             if (e->isModified())
                 return QString();
-            if (slot.kind == Sel && !h.selection(c.bound[0])->GetCurrentItem())
+            if (cell.kind == Sel && !h.selection(c.bound[0])->GetCurrentItem())
                 return QString(); // nothing current: the field keeps its text
-            if (slot.kind == Text || slot.kind == Sel)
-                return expectEqual("line edit", e->text(), slot.value->GetValueString());
+            if (cell.kind == Text || cell.kind == Sel)
+                return expectEqual("line edit", e->text(), cell.value->GetValueString());
             auto* n = h.numeric(c.bound[0]);
             double shown = 0;
             double relative = 1e-9;
@@ -593,7 +585,7 @@ std::vector<Driver> makeDrivers()
                     return QStringLiteral("line edit shows \"%1\", not a number").arg(e->text());
                 shown = parser.GetValue();
             }
-            const double tolerance = slot.kind == IntNum ? 0.5001 : relative * std::max(1.0, std::abs(n->GetValue()));
+            const double tolerance = cell.kind == IntNum ? 0.5001 : relative * std::max(1.0, std::abs(n->GetValue()));
             return expectNear("line edit", shown, n->GetValue(), tolerance);
         };
         ds.push_back(d);
@@ -786,8 +778,8 @@ std::vector<Driver> makeDrivers()
 QString step(Harness& h, const std::vector<Driver>& drivers)
 {
     std::vector<int> live = h.alive();
-    const int s = h.pick(kSlots);
-    Slot& slot = h.cells[s];
+    const int s = h.pick(kCells);
+    Cell& cell = h.cells[s];
     const int kind = h.pick(100);
 
     if (live.size() < 4 || (kind < 6 && live.size() < size_t(kMaxControls))) {
@@ -803,8 +795,8 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         const int role = h.pick(c.driver->roles);
         int target = s;
         for (int tries = 0; tries < 8 && h.chance(0.8) && !(h.cells[target].value && c.driver->accepts(role, h.cells[target].kind)); ++tries)
-            target = h.pick(kSlots);
-        Slot& t = h.cells[target];
+            target = h.pick(kCells);
+        Cell& t = h.cells[target];
         if (c.driver->distinctRoles && c.bound[1 - role] == target)
             return QStringLiteral("no bind");
         const bool removedState = t.value && t.state == Removed;
@@ -852,14 +844,14 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
             if (b >= 0)
                 h.writable.insert(b);
         if (c.driver->roles == 0) // an undo reaches any value
-            for (int i = 0; i < kSlots; ++i)
+            for (int i = 0; i < kCells; ++i)
                 h.writable.insert(i);
         h.did.clear();
         c.driver->input(h, c);
         return QStringLiteral("input %1:%2").arg(who, h.did);
     }
     if (kind < 62) { // a killer: deletes a control when the value next changes
-        if (!slot.value)
+        if (!cell.value)
             return QStringLiteral("no killer");
         int target = ci;
         auto boundHere = [&](int i) { return h.controls[size_t(i)].bound[0] == s || h.controls[size_t(i)].bound[1] == s; };
@@ -872,51 +864,51 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         k->harness = &h;
         k->control = target;
         k->armed = true;
-        k->value = slot.value;
+        k->value = cell.value;
         k->cell = s;
-        slot.value->Attach(k.get());
+        cell.value->Attach(k.get());
         h.killers.push_back(std::move(k));
-        return QStringLiteral("killer on %1 for #%2").arg(slot.path).arg(target);
+        return QStringLiteral("killer on %1 for #%2").arg(cell.path).arg(target);
     }
     if (kind < 70) { // state change
-        if (!slot.value)
+        if (!cell.value)
             return QStringLiteral("no state change");
         const int state = h.chance(0.1) ? Removed : (h.chance(0.5) ? Disabled : Enabled);
-        const bool changes = state != slot.state; // only a change is told
-        slot.state = state;
-        slot.value->SetState(state);
+        const bool changes = state != cell.state; // only a change is told
+        cell.state = state;
+        cell.value->SetState(state);
         for (Control& other : h.controls)
             for (int b : other.bound)
                 if (b == s && changes && other.alive() && other.driver->followsState && state != Removed)
                     other.expectEnabled = state == Enabled;
         if (state == Removed)
             h.unbindAll(s);
-        return QStringLiteral("state %1 = %2").arg(slot.path).arg(state);
+        return QStringLiteral("state %1 = %2").arg(cell.path).arg(state);
     }
     if (kind < 74) { // removal from the tree, or a new value of any kind at an empty path
-        if (slot.value) {
+        if (cell.value) {
             h.unbindAll(s);
-            slot.value = nullptr;
-            tree().Remove(slot.path);
-            return QStringLiteral("remove %1").arg(slot.path);
+            cell.value = nullptr;
+            tree().Remove(cell.path);
+            return QStringLiteral("remove %1").arg(cell.path);
         }
         const Kind k = Kind(h.pick(KindCount));
         h.addValue(s, k);
         h.contentMoves.insert(s);
-        return QStringLiteral("add %1 (%2)").arg(slot.path).arg(QLatin1String(kKindNames[k]));
+        return QStringLiteral("add %1 (%2)").arg(cell.path).arg(QLatin1String(kKindNames[k]));
     }
     if (kind < 76) { // the application undoes the newest recording
-        for (int i = 0; i < kSlots; ++i)
+        for (int i = 0; i < kCells; ++i)
             h.writable.insert(i);
         h.undoHistory->ExecuteUndo(1);
         return QStringLiteral("undo");
     }
     // application writes
-    if (!slot.value)
+    if (!cell.value)
         return QStringLiteral("no write");
     h.writable.insert(s);
-    values::ValueBase* v = slot.value;
-    switch (slot.kind) {
+    values::ValueBase* v = cell.value;
+    switch (cell.kind) {
     case Bool: static_cast<values::BoolValue*>(v)->SetValue(h.chance(0.5), nullptr); break;
     case Int: static_cast<values::IntValue*>(v)->SetValue(h.pick(1000), nullptr); break;
     case Int64: static_cast<values::Int64Value*>(v)->SetValue(h.pick(1000) * 1000000000LL, nullptr); break;
@@ -926,16 +918,16 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         auto* n = static_cast<values::NumericValueBase*>(v);
         if (h.chance(0.25)) {
             // An int value with a fractional limit would hold a fraction, which every echo then rounds.
-            const bool integral = slot.kind == IntNum;
+            const bool integral = cell.kind == IntNum;
             double lo = h.number(), hi = lo + std::abs(h.number());
             if (integral)
                 lo = std::ceil(lo), hi = std::floor(hi) + 1;
             n->SetRange(lo, hi, integral || h.chance(0.5) ? 1 : 0.25);
-            return QStringLiteral("range %1 = %2..%3").arg(slot.path).arg(lo).arg(hi);
+            return QStringLiteral("range %1 = %2..%3").arg(cell.path).arg(lo).arg(hi);
         }
         const double x = h.number();
         n->SetValue(x, nullptr);
-        return QStringLiteral("write %1 = %2").arg(slot.path).arg(x);
+        return QStringLiteral("write %1 = %2").arg(cell.path).arg(x);
     }
     case Sel: {
         auto* sel = static_cast<values::ValueSelection*>(v);
@@ -946,18 +938,18 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
             if (h.chance(0.8))
                 h.fillSelection(sel);
             h.itemsChanged(s, sel->GetItemCount() > 0);
-            return QStringLiteral("rebuild %1 (%2 items)").arg(slot.path).arg(sel->GetItemCount());
+            return QStringLiteral("rebuild %1 (%2 items)").arg(cell.path).arg(sel->GetItemCount());
         }
         if (h.chance(0.3) && sel->GetItemCount() > 0) {
             const long key = sel->GetItemAt(sel->GetItemCount() - 1)->GetKey() + 1;
             h.writable.erase(s);
             sel->AddItem(QStringLiteral("item%1").arg(key), key * 1000.0, key, nullptr);
             h.itemsChanged(s, true);
-            return QStringLiteral("add item %1 to %2").arg(key).arg(slot.path);
+            return QStringLiteral("add item %1 to %2").arg(key).arg(cell.path);
         }
         const long key = h.pick(7);
         sel->SelectKey(key, nullptr);
-        return QStringLiteral("select %1 = %2").arg(slot.path).arg(key);
+        return QStringLiteral("select %1 = %2").arg(cell.path).arg(key);
     }
     case MultiOne:
     case MultiMany: {
@@ -970,35 +962,35 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
             for (unsigned k = 0; k < unsigned(h.pick(5)); ++k)
                 m->AddItem(k * 3, QStringLiteral("m%1").arg(k), h.chance(0.4));
             h.itemsChanged(s, m->GetKeyCount() > 0);
-            return QStringLiteral("rebuild %1").arg(slot.path);
+            return QStringLiteral("rebuild %1").arg(cell.path);
         }
         if (h.chance(0.2)) {
             m->UncheckAll(nullptr);
-            return QStringLiteral("uncheck all %1").arg(slot.path);
+            return QStringLiteral("uncheck all %1").arg(cell.path);
         }
         const bool on = h.chance(0.5);
         m->SetItemChecked(int(key), on, nullptr);
-        return QStringLiteral("check %1 item %2 = %3").arg(slot.path).arg(key).arg(on);
+        return QStringLiteral("check %1 item %2 = %3").arg(cell.path).arg(key).arg(on);
     }
     case Vector:
         static_cast<values::CheckedStringVector*>(v)->SetValue({values::CheckedString(h.word(), h.chance(0.5))}, nullptr);
         break;
     case KindCount: break;
     }
-    return QStringLiteral("write %1 (%2)").arg(slot.path).arg(QLatin1String(kKindNames[slot.kind]));
+    return QStringLiteral("write %1 (%2)").arg(cell.path).arg(QLatin1String(kKindNames[cell.kind]));
 }
 
 // What must hold after every step; throws the first fault found.
 void check(Harness& h)
 {
-    for (int s = 0; s < kSlots; ++s) {
-        Slot& slot = h.cells[s];
-        if (!slot.value || h.writable.count(s))
+    for (int s = 0; s < kCells; ++s) {
+        Cell& cell = h.cells[s];
+        if (!cell.value || h.writable.count(s))
             continue;
-        if (slot.recorder->writes && !h.echoes.count(s))
-            throw QStringLiteral("%1 was written %2 times, by no one's request").arg(slot.path).arg(slot.recorder->writes);
-        if (!h.contentMoves.count(s) && slot.value->GetValueString() != slot.before)
-            throw QStringLiteral("%1 changed from \"%2\" to \"%3\" unasked").arg(slot.path, slot.before, slot.value->GetValueString());
+        if (cell.recorder->writes && !h.echoes.count(s))
+            throw QStringLiteral("%1 was written %2 times, by no one's request").arg(cell.path).arg(cell.recorder->writes);
+        if (!h.contentMoves.count(s) && cell.value->GetValueString() != cell.before)
+            throw QStringLiteral("%1 changed from \"%2\" to \"%3\" unasked").arg(cell.path, cell.before, cell.value->GetValueString());
     }
     for (size_t i = 0; i < h.controls.size(); ++i) {
         Control& c = h.controls[i];
@@ -1092,10 +1084,10 @@ int main(int argc, char** argv)
         h.writable.clear();
         h.echoes.clear();
         h.contentMoves.clear();
-        for (Slot& slot : h.cells) {
-            if (slot.recorder)
-                slot.recorder->writes = 0;
-            slot.before = slot.value ? slot.value->GetValueString() : QString();
+        for (Cell& cell : h.cells) {
+            if (cell.recorder)
+                cell.recorder->writes = 0;
+            cell.before = cell.value ? cell.value->GetValueString() : QString();
         }
         QString what;
         try {
