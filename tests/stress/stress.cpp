@@ -1022,6 +1022,7 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // a crash must not swallow the last steps printed
     quint64 seed = std::random_device{}();
     long long steps = 2000;
     bool verbose = false;
