@@ -514,10 +514,15 @@ std::vector<Driver> makeDrivers()
                     lo = std::max(lo, n->GetMinimum());
                     hi = std::min(hi, n->GetMaximum());
                 }
-                return lo > hi ? 0.0 : lo + (hi - lo) * h.pick(1001) / 1000.0;
+                return lo > hi ? qQNaN() : lo + (hi - lo) * h.pick(1001) / 1000.0;
             };
             auto* edit = c.as<VCCoordEdit>();
-            h.type(edit, basecontrols::CoordText::Format(inside(c.bound[0], 89), inside(c.bound[1], 179), edit->getFormat()));
+            const double latitude = inside(c.bound[0], 89), longitude = inside(c.bound[1], 179);
+            if (std::isnan(latitude) || std::isnan(longitude)) { // the values would clamp what the field shows
+                h.did += QStringLiteral(" none: no position the values can hold");
+                return;
+            }
+            h.type(edit, basecontrols::CoordText::Format(latitude, longitude, edit->getFormat()));
         };
         d.shows = [](Harness& h, Control& c) {
             auto* edit = c.as<VCCoordEdit>();
