@@ -622,7 +622,8 @@ std::vector<Driver> makeDrivers()
                     const double scale = std::pow(10.0, spin->decimals());
                     // Clamped into the limits, then held in the box's decimals, which the value clamps once more.
                     auto clamp = [n](double x) { return qBound(n->GetMinimum(), x, n->GetMaximum()); };
-                    double expected = clamp(std::round(clamp(std::round(typed * scale) / scale) * scale) / scale);
+                    auto held = [scale](double x) { return std::floor(x * scale + 0.5) / scale; }; // halves up, as qRound
+                    double expected = clamp(held(clamp(held(typed))));
                     if (h.cells[c.bound[0]].kind == IntNum)
                         expected = qBound(n->GetMinimum(), double(std::llround(expected)), n->GetMaximum());
                     if (std::abs(n->GetValue() - expected) > 1e-9 * std::max(1.0, std::abs(expected)))
