@@ -1,7 +1,18 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Vandrel needs to build, test and run its gallery, when any is missing.
 # Sourced by the other scripts; usable on its own: scripts/deps.sh [extra-package...]
+#   scripts/deps.sh --locale de_DE.UTF-8   also generates that locale of the C library when it is missing
 set -euo pipefail
+
+locale_name=""
+if [ "${1:-}" = "--locale" ]; then
+    locale_name="${2:?--locale needs a locale name, e.g. de_DE.UTF-8}"
+    shift 2
+    set -- locales "$@"
+fi
+
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
 
 packages=(cmake g++ make pkg-config extra-cmake-modules qtbase5-dev qttools5-dev qttools5-dev-tools
           libqt5svg5-dev libgeographiclib-dev "$@")
@@ -12,8 +23,15 @@ for p in "${packages[@]}"; do
 done
 if [ ${#missing[@]} -gt 0 ]; then
     echo "Installing: ${missing[*]}"
-    sudo=""
-    [ "$(id -u)" -eq 0 ] || sudo="sudo"
     $sudo apt-get update -qq
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+if [ -n "$locale_name" ]; then
+    # locale -a lists "de_DE.utf8" for "de_DE.UTF-8".
+    listed=$(echo "$locale_name" | sed -E 's/\.UTF-?8$/.utf8/I')
+    if ! locale -a 2>/dev/null | grep -qixF "$listed"; then
+        echo "Generating locale $locale_name"
+        $sudo localedef -i "${locale_name%%.*}" -f UTF-8 "$locale_name"
+    fi
 fi

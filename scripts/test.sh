@@ -3,14 +3,24 @@
 #   scripts/test.sh              build in build/, run the suite
 #   scripts/test.sh --sanitize   the same in build-asan/ under AddressSanitizer (with leak detection)
 #                                and UndefinedBehaviorSanitizer
+#   scripts/test.sh --locale L   the suite in build/ once more with LC_ALL=L (e.g. de_DE.UTF-8, whose
+#                                decimal separator is a comma), generating the locale when it is missing
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
 
 sanitize=0
-[ "${1:-}" = "--sanitize" ] && sanitize=1
+locale=""
+case "${1:-}" in
+    --sanitize) sanitize=1 ;;
+    --locale) locale="${2:?--locale needs a locale name, e.g. de_DE.UTF-8}" ;;
+esac
 
-bash scripts/deps.sh
+if [ -n "$locale" ]; then
+    bash scripts/deps.sh --locale "$locale"
+else
+    bash scripts/deps.sh
+fi
 
 jobs=$(nproc)
 if [ $sanitize -eq 1 ]; then
@@ -24,8 +34,14 @@ if [ $sanitize -eq 1 ]; then
     export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 else
     build=build
-    cmake -S . -B "$build" -DVANDREL_WERROR=ON >/dev/null
+    # The locale run reuses the normal build; configure only a fresh one.
+    [ -n "$locale" ] && [ -f "$build/CMakeCache.txt" ] || cmake -S . -B "$build" -DVANDREL_WERROR=ON >/dev/null
 fi
 cmake --build "$build" -j"$jobs"
 cd "$build"
+if [ -n "$locale" ]; then
+    # Qt takes its system locale from these variables, the C library from setlocale() in QApplication.
+    export LC_ALL="$locale" LANG="$locale" LANGUAGE=""
+    echo "== the suite under LC_ALL=$LC_ALL"
+fi
 ctest --output-on-failure -j"$jobs" --timeout 300

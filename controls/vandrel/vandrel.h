@@ -1,6 +1,12 @@
 #pragma once
 
-/// Umbrella header of Vandrel: every control and, through them, the platform contracts.
+/// Umbrella header of Vandrel: every control, the binding helpers and every platform contract, so that
+/// an application that includes it alone can name anything the library offers.
+#include <brevanbase/brevanbase.h>
+#include <orvi/translationcenter.h>
+#include <plinthor/plinthor.h>
+#include <values/values.h>
+
 #include <vandrel/binding/binding.h>
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>

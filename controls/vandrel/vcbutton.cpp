@@ -4,6 +4,7 @@
 
 #include <QIcon>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QTimerEvent>
 
 #include <algorithm>
@@ -248,8 +249,9 @@ void VCButton::slotButtonPressed()
         return;
     if (m_bNoButton)
         return;
+    const QPointer<VCButton> alive(this); // an observer of the selection may close this button's panel
     setNextItem();
-    if (isCheckable())
+    if (alive && isCheckable())
         emit ButtonToggled(isChecked());
 }
 
@@ -390,8 +392,11 @@ void VCButton::setNextItem()
     if (m_nCurrentIndex >= int(m_Keys.size()))
         m_nCurrentIndex = 0; // also with no items at all
     if (m_pValueSelection) {
-        GuiUndoRecordingHelper recording(this, QString());
-        m_pValueSelection->SelectKey(DisplayCurrent(), this);
+        if (!SurvivesWrite(this, [this] {
+                GuiUndoRecordingHelper recording(this, QString());
+                m_pValueSelection->SelectKey(DisplayCurrent(), this);
+            }))
+            return;
     } else {
         DisplayCurrent();
     }

@@ -48,6 +48,9 @@ bool VCCheckBox::SetBoolean(values::Value<bool>* value)
     DetachValue(m_pBool, this);
     DetachValue(m_pSelection, this);
     m_pBool = value;
+    // A null value leaves the box unbound, as SetSelection() does, instead of dereferencing it.
+    if (!m_pBool)
+        return false;
     ObservableOf(m_pBool)->Attach(this);
     // Only the value, not its state: the box stays as enabled as it was until the state changes.
     Update(ObservableOf(m_pBool), ValueChanged);
@@ -149,20 +152,30 @@ void VCCheckBox::Update(Observable* source, TChangeCode code)
 void VCCheckBox::slotInternalChange()
 {
     // One recording per value, so that each can be undone on its own; a span closes before the next
-    // opens. Every pointer is tested anew, since a write may make an observer remove another value.
+    // opens. Every pointer is tested anew, since a write may make an observer remove another value,
+    // and the box itself may not outlive a write.
     if (m_pBool) {
-        GuiUndoRecordingHelper undo(this, QString());
-        m_pBool->SetValue(isChecked(), this);
+        if (!SurvivesWrite(this, [this] {
+                GuiUndoRecordingHelper undo(this, QString());
+                m_pBool->SetValue(isChecked(), this);
+            }))
+            return;
         m_bDirty = true;
     }
     if (m_pSelection) {
-        GuiUndoRecordingHelper undo(this, QString());
-        m_pSelection->SelectKey(isChecked() ? m_nCheckedKey : m_nUncheckedKey, nullptr);
+        if (!SurvivesWrite(this, [this] {
+                GuiUndoRecordingHelper undo(this, QString());
+                m_pSelection->SelectKey(isChecked() ? m_nCheckedKey : m_nUncheckedKey, nullptr);
+            }))
+            return;
         m_bDirty = true;
     }
     if (m_pMultiSelection) {
-        GuiUndoRecordingHelper undo(this, QString());
-        m_pMultiSelection->SetItemChecked(m_nMultiKey, isChecked(), nullptr);
+        if (!SurvivesWrite(this, [this] {
+                GuiUndoRecordingHelper undo(this, QString());
+                m_pMultiSelection->SetItemChecked(m_nMultiKey, isChecked(), nullptr);
+            }))
+            return;
         m_bDirty = true;
     }
 }

@@ -44,7 +44,8 @@ public:
      * \brief Binds to \a value, already found by the caller, in place of the boolean or selection.
      *
      * Shows the value but doesn't take its state: the box keeps its enabled state until the value's
-     * state next changes. Leaves the dirty flag set. \a value must not be null.
+     * state next changes. Leaves the dirty flag set. A null \a value unbinds the boolean and selection
+     * and gives false.
      */
     bool SetBoolean(values::Value<bool>* value);
     /**

@@ -119,9 +119,13 @@ void VCCoordEdit::actAsLabel()
 
 void VCCoordEdit::setFormat(CoordFormat format)
 {
+    // A number outside the enumeration is no format: it must not reach the format value, which would
+    // clamp it into a real one.
+    if (!basecontrols::CoordText::IsValidFormat(format))
+        return;
     basecontrols::CoordEdit::setFormat(format);
-    if (m_pFormatNumericValue)
-        m_pFormatNumericValue->SetValue(double(format), this);
+    if (m_pFormatNumericValue && !SurvivesWrite(this, [this, format] { m_pFormatNumericValue->SetValue(double(format), this); }))
+        return;
     // The selection notifies even a reselection of its current key; writing that back would bounce the
     // format between all fields that follow the selection.
     if (m_pFormatSelection && m_pFormatSelection->GetCurrentKey() != long(format))
@@ -140,8 +144,9 @@ void VCCoordEdit::processLineInput()
     if (!isModified())
         return;
     basecontrols::CoordEdit::processLineInput();
-    if (m_pLatitudeValue)
-        m_pLatitudeValue->SetValue(getLatitude(), this);
+    // Each pointer is tested after the other's write: an observer may remove a value or this field.
+    if (m_pLatitudeValue && !SurvivesWrite(this, [this] { m_pLatitudeValue->SetValue(getLatitude(), this); }))
+        return;
     if (m_pLongitudeValue)
         m_pLongitudeValue->SetValue(getLongitude(), this);
 }

@@ -44,6 +44,20 @@ bool fixedPrefix(VCLineEdit::LineEditType type, SuffixedDouble::ESuffix& suffix)
     }
 }
 
+// The field went while its range box stood: the value, if it is still there, gets the limit that the
+// box announced all the same.
+void writeLimitOfGoneField(const QString& path, bool maximum, bool suffixed)
+{
+    values::Tree* tree = values::Tree::Instance();
+    auto* value = tree && !path.isEmpty() ? dynamic_cast<values::IValueNumeric*>(tree->Find(path)) : nullptr;
+    if (!value)
+        return;
+    double limit = maximum ? value->GetMaximum() : value->GetMinimum();
+    if (suffixed && !maximum)
+        limit = std::max(0.0, limit);
+    value->SetValue(limit, nullptr);
+}
+
 // A factor of 0 or 1 means "no scaling".
 bool scales(double factor)
 {
@@ -119,7 +133,9 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
 VCLineEdit::~VCLineEdit()
 {
     if (!QCoreApplication::closingDown() && isVisible()) {
-        SetTextFromControl();
+        // The parent may be half destroyed already: a range box shown now must not run an event loop.
+        const QScopedValueRollback<bool> destroying(m_bDestroying, true);
+        commit();
         emit signalTextFinallyChanged(text());
     }
     DetachValue(m_pTextValue, this);
@@ -186,8 +202,8 @@ values::ValueBase* VCLineEdit::GetValuePtr() const
 
 bool VCLineEdit::SetText(QString text)
 {
-    if (m_pTextValue)
-        m_pTextValue->SetValue(text, this);
+    if (m_pTextValue && !SurvivesWrite(this, [this, &text] { m_pTextValue->SetValue(text, this); }))
+        return true;
     QLineEdit::setText(text);
     m_bDirty = true;
     return true;
@@ -206,7 +222,8 @@ void VCLineEdit::SetNumeric(double value)
         if (std::isnan(value) && (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures))
             _Q_Trace(QStringLiteral("value = NaN , parentname :") + m_strName, kSourceUnit,
                      static_cast<unsigned short>(__LINE__));
-        m_pNumericValue->SetValue(value, nullptr);
+        if (!SurvivesWrite(this, [this, value] { m_pNumericValue->SetValue(value, nullptr); }))
+            return;
         // Show what the value kept after its own clamping and rounding.
         value = m_pNumericValue->GetValue();
     }
@@ -220,12 +237,17 @@ void VCLineEdit::SetNumeric(double value)
         if (scales(m_fFactor))
             value *= m_fFactor;
         QString text;
-        if (m_nDecimals != -1 && m_nIntegerDigits != -1)
-            text = QStringLiteral("%1").arg(value, m_nIntegerDigits + m_nDecimals, 'f', m_nDecimals, QLatin1Char(' '));
-        else
+        if (m_nDecimals != -1 && m_nIntegerDigits != -1) {
+            // No double has digits beyond 323 decimals, and Qt's formatter aborts on a far larger
+            // precision; no field holds a text wider than its maxLength(). The sum must not overflow.
+            const int decimals = qMin(m_nDecimals, 323);
+            const int width = int(qBound<qint64>(-maxLength(), qint64(m_nIntegerDigits) + decimals, maxLength()));
+            text = QStringLiteral("%1").arg(value, width, 'f', decimals, QLatin1Char(' '));
+        } else
             text = QStringLiteral("%1").arg(value, 0, 'g', -1, QLatin1Char(' '));
         AddSuffix(text);
-        SetText(text);
+        if (!SurvivesWrite(this, [this, &text] { SetText(text); }))
+            return;
     }
 
     m_bDirty = true;
@@ -295,8 +317,8 @@ void VCLineEdit::SetDirty(bool dirty)
 
 void VCLineEdit::endEdit()
 {
-    SetTextFromControl();
-    emit signalTextFinallyChanged(text());
+    if (commit())
+        emit signalTextFinallyChanged(text());
 }
 
 void VCLineEdit::Update(Observable* source, TChangeCode code)
@@ -329,18 +351,24 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
             // write to each other without end (a text value notifies every write).
             QLineEdit::setText(m_pTextValue->GetValue());
         } else {
-            const QScopedValueRollback<bool> following(m_bFollowingValue, true);
-            SetText(m_pTextValue->GetValue());
+            // Not a rollback: the field may not outlive the answer it writes.
+            m_bFollowingValue = true;
+            if (!SurvivesWrite(this, [this] { SetText(m_pTextValue->GetValue()); }))
+                return;
+            m_bFollowingValue = false;
         }
         shown = true;
     }
     if (m_pNumericValue && source == ObservableOf(m_pNumericValue)) {
-        SetNumeric(m_pNumericValue->GetValue());
+        if (!SurvivesWrite(this, [this] { SetNumeric(m_pNumericValue->GetValue()); }))
+            return;
         shown = true;
     }
     if (m_pSelectionValue && source == ObservableOf(m_pSelectionValue)) {
         if (values::SelectionItem* item = m_pSelectionValue->GetCurrentItem()) {
-            SetText(item->GetName());
+            const QString name = item->GetName();
+            if (!SurvivesWrite(this, [this, &name] { SetText(name); }))
+                return;
             shown = true;
         }
     }
@@ -354,21 +382,31 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
 
 void VCLineEdit::SetTextFromControl()
 {
+    commit();
+}
+
+// The commit; false when an observer of the write, or the application during the range box, deleted
+// the field, which then must not be touched again.
+bool VCLineEdit::commit()
+{
     if (m_bInCommit)
-        return;
+        return true;
     setStyleSheet(m_strStyleNormal);
     m_bInCommit = true;
 
     if (m_pTextValue) {
         // The text goes over as it stands; the type's formatter has no part in it.
-        m_pTextValue->SetValue(GetText(), this);
-        Update(ObservableOf(m_pTextValue), ValueChanged);
+        if (!SurvivesWrite(this, [this] { m_pTextValue->SetValue(GetText(), this); }))
+            return false;
+        if (!SurvivesWrite(this, [this] { Update(ObservableOf(m_pTextValue), ValueChanged); }))
+            return false;
     } else if (m_pNumericValue) {
-        checkRangeAndWrite();
-        return;
+        return checkRangeAndWrite();
     } else if (m_pSelectionValue) {
-        m_pSelectionValue->SetValueFromText(GetText(), this);
-        Update(ObservableOf(m_pSelectionValue), ValueChanged);
+        if (!SurvivesWrite(this, [this] { m_pSelectionValue->SetValueFromText(GetText(), this); }))
+            return false;
+        if (!SurvivesWrite(this, [this] { Update(ObservableOf(m_pSelectionValue), ValueChanged); }))
+            return false;
     } else if (m_bNumericUsed) {
         m_fNumeric = text().toDouble();
         if (m_pSuffixedDouble) {
@@ -377,15 +415,17 @@ void VCLineEdit::SetTextFromControl()
             setText(m_pSuffixedDouble->GetString(SuffixedDouble::HeldValue));
         } else {
             // Read back as shown: the factor is applied once more, and a unit reads as 0.
-            SetNumeric(m_fNumeric);
+            if (!SurvivesWrite(this, [this] { SetNumeric(m_fNumeric); }))
+                return false;
         }
     }
 
     m_bInCommit = false;
     m_bDirty = true;
+    return true;
 }
 
-void VCLineEdit::checkRangeAndWrite()
+bool VCLineEdit::checkRangeAndWrite()
 {
     values::IValueNumeric* value = m_pNumericValue;
     const double maximum = value->GetMaximum();
@@ -410,13 +450,16 @@ void VCLineEdit::checkRangeAndWrite()
     }
 
     // Strict tests, so NaN counts as in range.
+    const QString path = ValueBaseOf(value) ? ValueBaseOf(value)->GetPathName() : QString();
+    const bool suffixed = m_pSuffixedDouble != nullptr;
     if (entered > maximum) {
-        QPointer<VCLineEdit> alive(this);
-        if (!m_bSuppressError)
-            reportRange(tr("Input Error"), tr("Input exceeds maximum, value set to %1.\nAllowed range from %2 to %3."),
-                        maximum, minimum, maximum);
-        if (!alive)
-            return;
+        if (!m_bSuppressError
+            && !reportRange(tr("Input Error"),
+                            tr("Input exceeds maximum, value set to %1.\nAllowed range from %2 to %3."), maximum,
+                            minimum, maximum)) {
+            writeLimitOfGoneField(path, true, suffixed);
+            return false;
+        }
         // The box runs an event loop, in which the value may have gone.
         value = m_pNumericValue;
         if (value) {
@@ -424,24 +467,26 @@ void VCLineEdit::checkRangeAndWrite()
                 m_pSuffixedDouble->SetValue(value->GetMaximum());
                 const double fixed = m_pSuffixedDouble->GetValue();
                 setText(m_pSuffixedDouble->GetString(SuffixedDouble::HeldValue));
-                value->SetValue(fixed, nullptr);
-            } else if (m_pTimeToAxis) {
-                setText(m_pTimeToAxis->convertSuffixed(value->GetMaximum()));
-                value->SetValue(value->GetMaximum(), nullptr);
+                if (!SurvivesWrite(this, [value, fixed] { value->SetValue(fixed, nullptr); }))
+                    return false;
             } else {
-                value->SetValue(value->GetMaximum(), nullptr);
+                if (m_pTimeToAxis)
+                    setText(m_pTimeToAxis->convertSuffixed(value->GetMaximum()));
+                if (!SurvivesWrite(this, [value] { value->SetValue(value->GetMaximum(), nullptr); }))
+                    return false;
             }
-            Update(ObservableOf(m_pNumericValue), ValueChanged);
+            if (!SurvivesWrite(this, [this] { Update(ObservableOf(m_pNumericValue), ValueChanged); }))
+                return false;
         }
         m_bInCommit = false;
     } else if (entered < minimum) {
-        QPointer<VCLineEdit> alive(this);
-        if (!m_bSuppressError)
-            reportRange(tr("Range Check Error"),
-                        tr("Input underruns minimum, value set to %1.\nAllowed range from %2 to %3."), minimum, minimum,
-                        maximum);
-        if (!alive)
-            return;
+        if (!m_bSuppressError
+            && !reportRange(tr("Range Check Error"),
+                            tr("Input underruns minimum, value set to %1.\nAllowed range from %2 to %3."), minimum,
+                            minimum, maximum)) {
+            writeLimitOfGoneField(path, false, suffixed);
+            return false;
+        }
         value = m_pNumericValue;
         if (value) {
             // An underrun writes as the field itself, an overrun with no originator; both redraw below.
@@ -449,31 +494,53 @@ void VCLineEdit::checkRangeAndWrite()
                 m_pSuffixedDouble->SetValue(minimum);
                 const double fixed = m_pSuffixedDouble->GetValue();
                 setText(m_pSuffixedDouble->GetString(SuffixedDouble::HeldValue));
-                value->SetValue(fixed, this);
-            } else if (m_pTimeToAxis) {
-                setText(m_pTimeToAxis->convertSuffixed(minimum));
-                value->SetValue(minimum, nullptr);
+                if (!SurvivesWrite(this, [this, value, fixed] { value->SetValue(fixed, this); }))
+                    return false;
             } else {
-                value->SetValue(minimum, nullptr);
+                if (m_pTimeToAxis)
+                    setText(m_pTimeToAxis->convertSuffixed(minimum));
+                if (!SurvivesWrite(this, [value, minimum] { value->SetValue(minimum, nullptr); }))
+                    return false;
             }
-            Update(ObservableOf(m_pNumericValue), ValueChanged);
+            if (!SurvivesWrite(this, [this] { Update(ObservableOf(m_pNumericValue), ValueChanged); }))
+                return false;
         }
         m_bInCommit = false;
     } else {
-        value->SetValue(entered, this);
+        if (!SurvivesWrite(this, [this, value, entered] { value->SetValue(entered, this); }))
+            return false;
         m_bInCommit = false;
         m_bDirty = true;
     }
+    return true;
 }
 
-void VCLineEdit::reportRange(const QString& title, const QString& message, double setTo, double minimum,
+// Shows the range box; false when the field was deleted while the box stood (its event loop runs
+// the application: a timer may close the panel, a value may go and the panel be rebuilt).
+bool VCLineEdit::reportRange(const QString& title, const QString& message, double setTo, double minimum,
                              double maximum)
 {
+    const QString text = message.arg(rangeNumber(setTo)).arg(rangeNumber(minimum)).arg(rangeNumber(maximum));
+    if (m_bDestroying) {
+        // From the destructor the box gets no event loop and no parent, both of which may be half
+        // destroyed: it stands on its own and goes when the user closes it.
+        auto* box = new QMessageBox(QMessageBox::Information, title, text, QMessageBox::Ok);
+        box->setDefaultButton(QMessageBox::NoButton);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->show();
+        return true;
+    }
+    const QPointer<VCLineEdit> alive(this);
     setStyleSheet(m_strStyleError);
-    QMessageBox::information(this, title,
-                             message.arg(rangeNumber(setTo)).arg(rangeNumber(minimum)).arg(rangeNumber(maximum)),
-                             QMessageBox::Ok, QMessageBox::NoButton);
+    // What QMessageBox::information() shows, but on the heap: a box on the stack would be deleted
+    // with its parent, this field, while its event loop still runs.
+    const QPointer<QMessageBox> box = new QMessageBox(QMessageBox::Information, title, text, QMessageBox::Ok, this);
+    box->exec();
+    delete box.data();
+    if (!alive)
+        return false;
     setStyleSheet(m_strStyleNormal);
+    return true;
 }
 
 QString VCLineEdit::rangeNumber(double number) const
@@ -520,8 +587,8 @@ void VCLineEdit::onForceFinishEdit(QWidget* widget)
 {
     if (widget != this || !isModified())
         return;
-    SetTextFromControl();
-    emit signalTextFinallyChanged(text());
+    if (commit())
+        emit signalTextFinallyChanged(text());
 }
 
 void VCLineEdit::slotEdited(QString)
@@ -545,9 +612,11 @@ bool VCLineEdit::eventFilter(QObject*, QEvent* event)
         selectAll();
         return false;
     case QEvent::FocusOut:
-        SetTextFromControl();
-        emit signalTextFinallyChanged(text());
-        return false;
+        // A field deleted by its commit, or by a listener of its signal, eats the event: nothing of it
+        // is left to receive it.
+        if (!commit())
+            return true;
+        return !SurvivesWrite(this, [this] { emit signalTextFinallyChanged(text()); });
     default:
         return false;
     }

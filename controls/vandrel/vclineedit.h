@@ -154,8 +154,9 @@ protected:
 private:
     void AddSuffix(QString& text);
     double GetNumericFromSuffixedText();
-    void checkRangeAndWrite();
-    void reportRange(const QString& title, const QString& message, double setTo, double minimum, double maximum);
+    bool commit();
+    bool checkRangeAndWrite();
+    bool reportRange(const QString& title, const QString& message, double setTo, double minimum, double maximum);
     QString rangeNumber(double number) const;
 
     values::Value<QString>* m_pTextValue;
@@ -179,5 +180,6 @@ private:
     QString m_strStyleEdited;
     bool m_bDirty;
     QString m_strName;
+    bool m_bDestroying = false; // committing from the destructor
     bool m_bFollowingValue = false; // showing a text value's change, so an echo of it is not answered
 };

@@ -4,10 +4,12 @@
 
 #include <QDoubleValidator>
 #include <QLineEdit>
+#include <QLocale>
 #include <QRegularExpression>
 #include <QTimerEvent>
 #include <QWheelEvent>
 
+#include <cmath>
 #include <limits>
 
 VCNumericFloatSpin::VCNumericFloatSpin(QWidget* parent, const char* name, bool optimize)
@@ -27,6 +29,7 @@ VCNumericFloatSpin::VCNumericFloatSpin(QWidget* parent, const char* name, bool o
     , m_bDirtyByUser(false)
     , m_bShowsPending(false)
     , m_bStepDisabled(false)
+    , m_pHeldWrites(new HeldWrites)
 {
     const QString strName = QString::fromUtf8(name);
     setObjectName(strName);
@@ -67,9 +70,11 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos, bool fro
         text = match.captured(QStringLiteral("inputForDoubleValidator")).trimmed();
     }
 
-    const QDoubleValidator validator((minimum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
-                                     (maximum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
-                                     decimals(), nullptr);
+    QDoubleValidator validator((minimum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
+                               (maximum() + m_fDisplayOffset) * m_fDisplayScalingFactor / m_fUnitScale,
+                               decimals(), nullptr);
+    // The text is shown in the box's locale, so it is read in it too: "12,50" in German.
+    validator.setLocale(locale());
     int localPos = text.length();
     const QValidator::State state = validator.validate(text, localPos);
     if (!fromValueFromText && state == QValidator::Acceptable)
@@ -132,9 +137,24 @@ void VCNumericFloatSpin::disableStep(bool disable)
     m_bStepDisabled = disable;
 }
 
+namespace {
+
+// A scale of zero (or one that is no number) would turn every shown number into an infinity and every
+// typed one into a NaN: it is refused, and the scale in force stays.
+bool usableScale(double scale, const char* what)
+{
+    if (scale != 0.0 && std::isfinite(scale))
+        return true;
+    BREVAN_TRACE_FAILURE(QStringLiteral("VCNumericFloatSpin: %1 %2 refused").arg(QLatin1String(what)).arg(scale));
+    return false;
+}
+
+} // namespace
+
 void VCNumericFloatSpin::SetUnitScale(double scale)
 {
-    m_fUnitScale = scale;
+    if (usableScale(scale, "unit scale"))
+        m_fUnitScale = scale;
 }
 
 void VCNumericFloatSpin::SetDisplayScalingFactor(double factor)
@@ -149,7 +169,8 @@ void VCNumericFloatSpin::SetDisplayAdditveOffset(double offset)
 
 void VCNumericFloatSpin::SetFactor(double factor)
 {
-    m_fFactor = factor;
+    if (usableScale(factor, "factor"))
+        m_fFactor = factor;
 }
 
 double VCNumericFloatSpin::value() const
@@ -237,8 +258,18 @@ double VCNumericFloatSpin::valueFromText(const QString& text) const
         stripped = QStringLiteral("0");
     int pos = 0;
     // An unreadable text falls back to value(), which goes through the inverse scalings as well.
-    const double number = validate(stripped, pos, true) == QValidator::Acceptable ? stripped.toDouble() : value();
+    const double number = validate(stripped, pos, true) == QValidator::Acceptable ? readNumber(stripped) : value();
     return number / m_fDisplayScalingFactor * m_fUnitScale - m_fDisplayOffset;
+}
+
+double VCNumericFloatSpin::readNumber(const QString& text) const
+{
+    // The C locale reads as QString does; any other reads as it shows, the validator having accepted
+    // the text in that locale.
+    const QLocale shown = locale();
+    if (shown.language() == QLocale::C)
+        return text.toDouble();
+    return shown.toDouble(text);
 }
 
 QAbstractSpinBox::StepEnabled VCNumericFloatSpin::stepEnabled() const
@@ -263,14 +294,23 @@ void VCNumericFloatSpin::stepBy(int steps)
         return;
     StartWatchDog();
     QAbstractSpinBox::stepBy(steps);
-    if (m_bOptimize) {
-        // Only the pending number moves during a burst; the timer makes it the value in one recording.
-        m_pNumericValue->SetPendingValue(value(), nullptr);
-    } else {
-        GuiUndoRecordingHelper undo(this, QString());
-        m_pNumericValue->SetValue(value(), nullptr);
-    }
-    m_bDirtyByUser = true;
+    const double stepped = value();
+    // Inside a key, mouse or timer event the spin box still updates itself after this: the write waits.
+    m_pHeldWrites->Write([this, stepped] {
+        if (!m_pNumericValue)
+            return;
+        const bool alive = SurvivesWrite(this, [this, stepped] {
+            if (m_bOptimize) {
+                // Only the pending number moves during a burst; the timer makes it the value in one recording.
+                m_pNumericValue->SetPendingValue(stepped, nullptr);
+            } else {
+                GuiUndoRecordingHelper undo(this, QString());
+                m_pNumericValue->SetValue(stepped, nullptr);
+            }
+        });
+        if (alive)
+            m_bDirtyByUser = true;
+    });
 }
 
 void VCNumericFloatSpin::timerEvent(QTimerEvent* event)
@@ -303,7 +343,6 @@ void VCNumericFloatSpin::SlotEditingFinished()
 {
     if (!m_pNumericValue)
         return;
-    GuiUndoRecordingHelper undo(this, QString());
     double number = value();
     if (m_pNumericValue->GetMinimum() > number) {
         number = m_pNumericValue->GetMinimum();
@@ -311,9 +350,21 @@ void VCNumericFloatSpin::SlotEditingFinished()
     }
     if (number > m_pNumericValue->GetMaximum())
         setValue(m_pNumericValue->GetMaximum());
-    // The clamping above may have changed what the spin box holds: read it anew.
-    m_pNumericValue->SetValue(value(), nullptr);
-    m_bDirtyByUser = true;
+    // The clamping above may have changed what the spin box holds: read it anew. The signal comes from
+    // inside the spin box's key or focus handler, so the write waits for that to end.
+    const double finished = value();
+    m_pHeldWrites->Write([this, finished] {
+        if (!m_pNumericValue)
+            return;
+        GuiUndoRecordingHelper undo(this, QString());
+        if (SurvivesWrite(this, [this, finished] { m_pNumericValue->SetValue(finished, nullptr); }))
+            m_bDirtyByUser = true;
+    });
+}
+
+bool VCNumericFloatSpin::event(QEvent* event)
+{
+    return m_pHeldWrites->Deliver(this, [this, event] { return QDoubleSpinBox::event(event); });
 }
 
 void VCNumericFloatSpin::Update(Observable* source, TChangeCode code)
@@ -339,7 +390,8 @@ void VCNumericFloatSpin::Update(Observable* source, TChangeCode code)
     case ValueChanged:
         m_bShowsPending = false;
         // The pending number starts each burst from the value; named as originator, no echo comes back.
-        m_pNumericValue->SetPendingValue(m_pNumericValue->GetValue(), this);
+        if (!SurvivesWrite(this, [this] { m_pNumericValue->SetPendingValue(m_pNumericValue->GetValue(), this); }))
+            return;
         m_fLastValue = m_pNumericValue->GetValue();
         setValue(m_fLastValue);
         break;

@@ -7,6 +7,8 @@
 
 #include <QDoubleSpinBox>
 
+#include <memory>
+
 /**
  * \brief A QDoubleSpinBox bound to a number (values::IValueNumeric).
  *
@@ -23,6 +25,8 @@
  * Unbound, the spin box is disabled and no input reaches a value. Bound, it is enabled and disabled
  * by the value's state; when the value is removed it lets go of it and keeps its look.
  */
+class HeldWrites;
+
 class VANDREL_EXPORT VCNumericFloatSpin : public QDoubleSpinBox,
                                           public IObserver,
                                           public virtual UndoRecordingControlBase
@@ -134,6 +138,7 @@ public Q_SLOTS:
 
 protected:
     /// Commits the pending number when the 200 ms timer fires; other timers drive the arrows' repeat.
+    bool event(QEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
     /// One step per event whatever its size, unless read-only; always accepted, so no parent scrolls.
     void wheelEvent(QWheelEvent* event) override;
@@ -141,6 +146,7 @@ protected:
     StepEnabled stepEnabled() const override;
 
 private:
+    double readNumber(const QString& text) const;
     void StartWatchDog();
 
     values::IValueNumeric* m_pNumericValue;
@@ -157,4 +163,5 @@ private:
     bool m_bDirtyByUser;
     bool m_bShowsPending;
     bool m_bStepDisabled;
+    std::unique_ptr<HeldWrites> m_pHeldWrites; // writes wait for the spin box's own event handling
 };

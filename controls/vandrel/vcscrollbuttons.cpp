@@ -340,27 +340,27 @@ void VCScrollButtons::internalValueChanged(int value)
 void VCScrollButtons::slotMinusClicked()
 {
     subtractLine();
-    internalValueChanged(m_nValue);
-    EnableButtons();
+    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
+        EnableButtons();
 }
 
 void VCScrollButtons::slotPlusClicked()
 {
     addLine();
-    internalValueChanged(m_nValue);
-    EnableButtons();
+    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
+        EnableButtons();
 }
 
 void VCScrollButtons::slotMinusPageClicked()
 {
     subtractPage();
-    internalValueChanged(m_nValue);
-    EnableButtons();
+    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
+        EnableButtons();
 }
 
 void VCScrollButtons::slotPlusPageClicked()
 {
     addPage();
-    internalValueChanged(m_nValue);
-    EnableButtons();
+    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
+        EnableButtons();
 }

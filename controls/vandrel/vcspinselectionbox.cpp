@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QRegExp>
+#include <QScopedValueRollback>
 
 #include <cmath>
 
@@ -21,6 +22,7 @@ VCSpinSelectionBox::VCSpinSelectionBox(QWidget* parent, const char* name)
     : NumericSpinBox(parent, name)
     , m_cOrderOfMagnitude(L' ')
     , m_pSelectionValue(nullptr)
+    , m_pHeldWrites(new HeldWrites)
 {
     auto* validator = new Validator(this);
     validator->setObjectName(QString());
@@ -38,12 +40,8 @@ VCSpinSelectionBox::~VCSpinSelectionBox()
 bool VCSpinSelectionBox::SetValueSelection_ValuePath(const QString& path)
 {
     m_pSelectionValue = FindAndAttach<values::ValueSelection>(path, m_pSelectionValue, this);
-    if (m_pSelectionValue) {
-        setValue(int(m_pSelectionValue->GetCurrentIndex()));
-        setMinimum(0);
-        setMaximum(m_pSelectionValue->GetItemCount() - 1);
-        update();
-    }
+    if (m_pSelectionValue)
+        TakeOverItems(true);
     SyncObserver(m_pSelectionValue, this);
     return m_pSelectionValue != nullptr;
 }
@@ -68,9 +66,7 @@ void VCSpinSelectionBox::Update(Observable* source, TChangeCode code)
     case ItemsChanged:
     case ItemAdded:
         setEnabled(true);
-        setValue(int(m_pSelectionValue->GetCurrentIndex()));
-        setMaximum(m_pSelectionValue->GetItemCount() - 1);
-        update();
+        TakeOverItems(false);
         break;
     case ItemsCleared:
         setEnabled(false);
@@ -81,6 +77,26 @@ void VCSpinSelectionBox::Update(Observable* source, TChangeCode code)
     default:
         break;
     }
+}
+
+void VCSpinSelectionBox::TakeOverItems(bool binding)
+{
+    // The index goes in before the new limits, so Qt may clamp it to the old ones on the way, and
+    // showing the clamped index would select that item. Nothing is written meanwhile, and the index is
+    // put in once more when the limits stand.
+    const QScopedValueRollback<bool> takingOver(m_bTakingOver, true);
+    const int current = int(m_pSelectionValue->GetCurrentIndex());
+    setValue(current);
+    if (binding)
+        setMinimum(0);
+    setMaximum(m_pSelectionValue->GetItemCount() - 1);
+    setValue(current);
+    update();
+}
+
+bool VCSpinSelectionBox::event(QEvent* event)
+{
+    return m_pHeldWrites->Deliver(this, [this, event] { return NumericSpinBox::event(event); });
 }
 
 int VCSpinSelectionBox::mapTextToValue(bool* ok)
@@ -132,7 +148,21 @@ int VCSpinSelectionBox::mapTextToValue(bool* ok)
         *ok = read;
     if (!read)
         return 0;
-    m_pSelectionValue->SelectValue(result, this, true);
+    if (m_pHeldWrites->Holding()) {
+        // Read inside the spin box's key or focus handling: the selection is made once that is over,
+        // and the box then shows the item it chose. Meanwhile the index stays.
+        m_pHeldWrites->Write([this, result] {
+            if (!m_pSelectionValue
+                || !SurvivesWrite(this, [this, result] { m_pSelectionValue->SelectValue(result, this, true); }))
+                return;
+            if (m_pSelectionValue)
+                Update(ObservableOf(m_pSelectionValue), ValueChanged);
+        });
+        return value();
+    }
+    if (!SurvivesWrite(this, [this, result] { m_pSelectionValue->SelectValue(result, this, true); })
+        || !m_pSelectionValue)
+        return 0;
     return int(m_pSelectionValue->GetCurrentIndex());
 }
 
@@ -144,7 +174,14 @@ QString VCSpinSelectionBox::mapValueToText(int)
     // box on the same selection redraws on that notification, which writes again: the two boxes
     // would call each other without end.
     values::SelectionItem* item = m_pSelectionValue->GetItemAt(value());
-    if (item && m_pSelectionValue->GetCurrentIndex() != value())
-        m_pSelectionValue->SelectKey(item->GetKey(), this);
-    return m_pSelectionValue->GetValueString();
+    if (!item || m_bTakingOver || m_pSelectionValue->GetCurrentIndex() == value())
+        return m_pSelectionValue->GetValueString();
+    // The text of the item about to be selected, which is what the selection will give as its own.
+    const QString shown = item->GetName();
+    const long key = item->GetKey();
+    m_pHeldWrites->Write([this, key] {
+        if (m_pSelectionValue)
+            m_pSelectionValue->SelectKey(key, this);
+    });
+    return shown;
 }

@@ -7,6 +7,10 @@
 
 #include <QValidator>
 
+#include <memory>
+
+class HeldWrites;
+
 /**
  * \brief A spin box that walks the items of a values::ValueSelection.
  *
@@ -75,7 +79,13 @@ protected:
      */
     QString mapValueToText(int value) override;
 
+    bool event(QEvent* event) override;
+
 private:
+    void TakeOverItems(bool binding);
+
     wchar_t m_cOrderOfMagnitude;
     values::ValueSelection* m_pSelectionValue;
+    bool m_bTakingOver = false; // taking over the selection's items: what Qt shows meanwhile is no pick
+    std::unique_ptr<HeldWrites> m_pHeldWrites; // writes wait for the spin box's own event handling
 };

@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QScopedValueRollback>
 #include <QSizePolicy>
 #include <QTextCursor>
 
@@ -64,8 +63,8 @@ values::ValueBase* VCTextEdit::GetValuePtr() const
 
 bool VCTextEdit::SetText(const QString& text)
 {
-    if (m_pTextValue)
-        m_pTextValue->SetValue(text, this);
+    if (m_pTextValue && !SurvivesWrite(this, [this, &text] { m_pTextValue->SetValue(text, this); }))
+        return true;
     QTextEdit::setText(text);
     return true;
 }
@@ -97,8 +96,9 @@ bool VCTextEdit::eventFilter(QObject* watched, QEvent* event)
 void VCTextEdit::slotSetTextFromControl(QString text)
 {
     m_bWritingValue = true;
-    if (m_pTextValue)
-        m_pTextValue->SetValue(text, this);
+    // Not a rollback: an observer of the write may delete this editor.
+    if (m_pTextValue && !SurvivesWrite(this, [this, &text] { m_pTextValue->SetValue(text, this); }))
+        return;
     m_bWritingValue = false;
 }
 
@@ -124,8 +124,11 @@ void VCTextEdit::Update(Observable* source, TChangeCode code)
     if (m_bFollowingValue) {
         QTextEdit::setText(text); // the echo of another field on this value: show, don't answer
     } else {
-        const QScopedValueRollback<bool> following(m_bFollowingValue, true);
-        SetText(text);
+        // Not a rollback: the editor may not outlive the answer it writes.
+        m_bFollowingValue = true;
+        if (!SurvivesWrite(this, [this, &text] { SetText(text); }))
+            return;
+        m_bFollowingValue = false;
     }
     if (wholeSelected)
         selectAll();

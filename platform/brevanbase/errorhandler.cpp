@@ -11,8 +11,10 @@ class DefaultErrorHandler final : public IErrorHandler
 public:
     void ReportException(const BrevanException& exception, void*, int code, bool log, bool fatal) override
     {
-        if (log)
+        // A caller that logged the exception just before reports it with log set as well: one line is enough.
+        if (log && &exception != m_pJustLogged)
             LogException(exception);
+        m_pJustLogged = nullptr;
         if (fatal)
             qCCritical(lcBrevanTrace, "fatal exception reported (code %d): %s", code,
                        qUtf8Printable(exception.GetMessage()));
@@ -20,7 +22,11 @@ public:
     void LogException(const BrevanException& exception) override
     {
         qCWarning(lcBrevanTrace, "exception: %s", qUtf8Printable(exception.ToString()));
+        m_pJustLogged = &exception;
     }
+
+private:
+    const BrevanException* m_pJustLogged = nullptr;
 };
 
 DefaultErrorHandler& defaultHandler()

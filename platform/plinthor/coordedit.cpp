@@ -10,6 +10,7 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPointer>
 
 namespace basecontrols {
 
@@ -25,7 +26,6 @@ CoordEdit::CoordEdit(QWidget* parent)
     , m_editFocusPolicy(focusPolicy())
 {
     showPosition();
-    connect(this, &QLineEdit::returnPressed, this, [this] { processLineInput(); });
     connect(this, &QLineEdit::textEdited, this, &CoordEdit::slotTextEdited);
     connect(&Plinthor::Instance(), &Plinthor::endEdit, this, &CoordEdit::slotEndEdit);
 }
@@ -199,8 +199,13 @@ void CoordEdit::contextMenuEvent(QContextMenuEvent* event)
 void CoordEdit::focusOutEvent(QFocusEvent* event)
 {
     // The field's own context menu takes the focus for a moment; the edit goes on behind it.
-    if (event->reason() != Qt::PopupFocusReason)
+    if (event->reason() != Qt::PopupFocusReason) {
+        // The input goes to the application, which may delete this field on it.
+        const QPointer<CoordEdit> alive(this);
         processLineInput();
+        if (!alive)
+            return;
+    }
     QLineEdit::focusOutEvent(event);
 }
 
@@ -210,6 +215,14 @@ void CoordEdit::keyPressEvent(QKeyEvent* event)
         showPosition();
         event->accept();
         return;
+    }
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        // Taken here rather than on returnPressed(): the application may delete the field on the input,
+        // and Qt's line edit goes on using itself after that signal.
+        const QPointer<CoordEdit> alive(this);
+        processLineInput();
+        if (!alive)
+            return;
     }
     QLineEdit::keyPressEvent(event);
 }

@@ -1,6 +1,5 @@
-// Builds against the installed headers and libraries only, and checks that a bound slider works.
-#include <orvi/translationcenter.h>
-#include <plinthor/plinthor.h>
+// Builds against the installed headers and libraries only, and checks that a bound slider works. The
+// umbrella alone must name everything used here.
 #include <vandrel/vandrel.h>
 
 #include <QApplication>

@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QIntValidator>
 #include <QMessageBox>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -66,25 +67,32 @@ struct Panel
     QLineEdit* other = nullptr;
 };
 
-// Closes each message box that comes up with its Ok button, and keeps what it said.
+// Closes each message box that comes up, and keeps what it said. Nothing is checked in the timer: a
+// failed check there would leave the box open and the test hanging; the test compares afterwards.
 struct BoxCloser : QObject
 {
-    explicit BoxCloser(QLineEdit* field)
+    explicit BoxCloser(QLineEdit* watched)
+        : field(watched)
     {
-        connect(&timer, &QTimer::timeout, this, [this, field] {
+        connect(&timer, &QTimer::timeout, this, [this] {
             if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
                 ++count;
                 said = box->windowTitle() + QLatin1Char('|') + box->text();
-                sheetWhileShown = field->styleSheet();
-                QCOMPARE(box->buttons().size(), 1);
-                QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+                sheetWhileShown = field ? field->styleSheet() : QString();
+                buttons = box->buttons().size();
+                if (QAbstractButton* ok = box->button(QMessageBox::Ok))
+                    QTest::mouseClick(ok, Qt::LeftButton);
+                else
+                    box->reject();
             }
         });
         timer.start(5);
     }
     QTimer timer;
     int count = 0;
+    int buttons = 0;
     QString said, sheetWhileShown;
+    QPointer<QLineEdit> field;
 };
 
 } // namespace
@@ -260,10 +268,93 @@ private Q_SLOTS:
             QCOMPARE(boxes.count, said.isEmpty() ? 0 : 1);
             QCOMPARE(boxes.said, said);
             QCOMPARE(boxes.sheetWhileShown, said.isEmpty() ? QString() : kRed);
+            QCOMPARE(boxes.buttons, said.isEmpty() ? 0 : 1);
             QCOMPARE(finally.count(), said.isEmpty() ? 0 : 1);
         }
         if (!said.isEmpty())
             QTEST(finally.first().at(0).toString(), "told");
+    }
+
+    // The range box runs an event loop: the application may delete the field meanwhile (a panel closed
+    // by a timer). Whatever ended the edit, nothing returns into the freed field, and the value still
+    // gets the limit the box announced.
+    void deletedWhileItsRangeBoxStands_data()
+    {
+        QTest::addColumn<int>("ending");
+        QTest::newRow("Return") << 0;
+        QTest::newRow("focus loss") << 1;
+        QTest::newRow("endEdit") << 2;
+        QTest::newRow("forced end") << 3;
+    }
+    void deletedWhileItsRangeBoxStands()
+    {
+        QFETCH(int, ending);
+        auto* number = addNumber(5.0, 0.0, 10.0);
+        Panel p;
+        QVERIFY(p.field->SetText_ValuePath(kPath));
+        QSignalSpy finally(p.field, &VCLineEdit::signalTextFinallyChanged);
+        QPointer<VCLineEdit> field = p.field;
+        QString said;
+        QTimer closer;
+        connect(&closer, &QTimer::timeout, &closer, [&] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                said = box->windowTitle();
+                const QPointer<QMessageBox> standing = box;
+                delete field.data(); // the box is the field's child and goes with it
+                if (standing)
+                    standing->reject();
+            }
+        });
+        closer.start(5);
+        p.type(QStringLiteral("70"));
+        switch (ending) {
+        case 0:
+            QTest::keyClick(p.field, Qt::Key_Return);
+            break;
+        case 1:
+            p.other->setFocus();
+            break;
+        case 2:
+            p.field->endEdit();
+            break;
+        default:
+            Plinthor::Instance().EndEdit(p.field);
+            break;
+        }
+        QTRY_VERIFY(field.isNull());
+        QCOMPARE(said, QStringLiteral("Input Error"));
+        QCOMPARE(number->GetValue(), 10.0);
+        // The destructor's signal, and the one of the focus the box took if the field had it: never one
+        // after the box, and each with the text as it stood.
+        QVERIFY(finally.count() >= 1 && finally.count() <= 2);
+        for (const QList<QVariant>& told : finally)
+            QCOMPARE(told.at(0).toString(), QStringLiteral("70"));
+    }
+
+    // A field destroyed with text still to commit commits it; its range box then comes without an event
+    // loop of its own and without a parent, since the parent may be half destroyed already.
+    void destroyedWithOutOfRangeText()
+    {
+        auto* number = addNumber(5.0, 0.0, 10.0);
+        QWidget window;
+        auto* panel = new QWidget(&window);
+        auto* field = new VCLineEdit(panel, "field");
+        QVERIFY(field->SetText_ValuePath(kPath));
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        field->setText(QStringLiteral("-3"));
+        delete panel;
+        QCOMPARE(number->GetValue(), 0.0);
+        QMessageBox* box = nullptr;
+        for (QWidget* top : QApplication::topLevelWidgets())
+            box = box ? box : qobject_cast<QMessageBox*>(top);
+        QVERIFY(box);
+        QVERIFY(box->isVisible()); // still standing after the deletion returned: no event loop ran
+        QVERIFY(!box->parent());
+        QCOMPARE(box->windowTitle(), QStringLiteral("Range Check Error"));
+        QPointer<QMessageBox> gone = box;
+        box->close();
+        QTRY_VERIFY(gone.isNull());
     }
 
     void endingAnEdit()

@@ -149,7 +149,7 @@ private Q_SLOTS:
         QCOMPARE(spin.textFromValue(-5), QStringLiteral("auto"));
         QCOMPARE(spin.valueFromText(QStringLiteral("auto")), -5.0);
         spin.setDecimals(2);
-        QCOMPARE(spin.textFromValue(-5), QStringLiteral("0.00"));
+        QCOMPARE(spin.textFromValue(-5), spin.locale().toString(0.0, 'f', 2)); // "0,00" in German
         // Unreadable text gives value() through the inverse scalings, not the internal number.
         spin.SetDisplayAdditveOffset(0);
         spin.SetDisplayScalingFactor(2);
@@ -175,7 +175,8 @@ private Q_SLOTS:
         QTest::newRow("suffix as syntax") << "" << "(s)" << "12s" << true << ok << "12";
         QTest::newRow("suffix not literal") << "" << "(s)" << "12 (s)" << false << bad << "12 (s)";
         QTest::newRow("bad expression") << "" << "(" << "12" << false << bad << "12";
-        QTest::newRow("too many decimals") << "" << "" << "1.5" << false << bad << "1.5";
+        const QString oneAndAHalf = QStringLiteral("1") + QLocale().decimalPoint() + QStringLiteral("5");
+        QTest::newRow("too many decimals") << "" << "" << oneAndAHalf << false << bad << oneAndAHalf;
     }
     void validation()
     {
@@ -303,6 +304,51 @@ private Q_SLOTS:
         QCOMPARE(number->GetValue(), written);
         QVERIFY(spin.GetDirtyByUser());
         QCOMPARE(recordingCount(), 1);
+    }
+
+    // The text is shown, validated and read in the box's locale: in German "12,50" is twelve and a half.
+    void commaDecimalLocale_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("written");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("German") << "de_DE" << "12,50" << 12.5 << "12,50";
+        QTest::newRow("C") << "C" << "12.50" << 12.5 << "12.50";
+        QTest::newRow("C drops the comma") << "C" << "12,50" << 100.0 << "100.00"; // 1250, clamped
+    }
+    void commaDecimalLocale()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, typed);
+        QFETCH(double, written);
+        QFETCH(QString, shown);
+        auto* number = addNumber(50);
+        Spin spin;
+        spin.setLocale(QLocale(locale));
+        spin.setDecimals(2);
+        QVERIFY(spin.bind());
+        spin.type(typed);
+        QCOMPARE(number->GetValue(), written);
+        QCOMPARE(spin.text(), shown);
+    }
+
+    // A factor or unit scale of zero would divide by zero: both are refused, the old one stays.
+    void zeroScalesRefused()
+    {
+        auto* number = addNumber(2.5);
+        Spin spin;
+        spin.SetFactor(1000);
+        QVERIFY(spin.bind());
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("factor 0 refused")));
+        spin.SetFactor(0);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unit scale 0 refused")));
+        spin.SetUnitScale(0);
+        QCOMPARE(spin.internal(), 2500.0);
+        QCOMPARE(spin.value(), 2.5);
+        QTest::keyClick(&spin, Qt::Key_Up);
+        QTRY_COMPARE(number->GetValue(), 3.5);
+        QCOMPARE(spin.text(), QStringLiteral("3500"));
     }
 
     void undoSwitchedOff()

@@ -117,6 +117,33 @@ private Q_SLOTS:
         QCOMPARE(box.text(), QStringLiteral("item0"));
     }
 
+    // Taking over a value's items writes nothing: Qt clamps the index to the old limits on the way, and
+    // showing that index used to select its item.
+    void takingOverItemsWritesNothing()
+    {
+        addSelection(QStringLiteral("/three"), {1, 2, 3});
+        values::ValueSelection* ten = addSelection(QStringLiteral("/ten"), {0, 1, 2, 3, 4, 5, 6, 7, 8, 9});
+        ten->SelectIndex(7, nullptr);
+        VCSpinSelectionBox box(nullptr, "box");
+        QVERIFY(box.SetValueSelection_ValuePath(QStringLiteral("/three")));
+        Counter watcher;
+        watcher.watch(ten);
+        QVERIFY(box.SetValueSelection_ValuePath(QStringLiteral("/ten")));
+        QCOMPARE(ten->GetCurrentIndex(), 7L);
+        QCOMPARE(box.value(), 7);
+        QCOMPARE(box.text(), QStringLiteral("item7"));
+        QCOMPARE(watcher.count(ValueChanged), 0);
+
+        // A selection that makes each new item current keeps it current.
+        for (int added = 10; added < 13; ++added) {
+            ten->AddItem(QStringLiteral("item%1").arg(added), added, 100 + added, nullptr);
+            ten->SelectIndex(added, nullptr);
+            QCOMPARE(ten->GetCurrentIndex(), long(added));
+            QCOMPARE(box.value(), added);
+            QCOMPARE(box.text(), QStringLiteral("item%1").arg(added));
+        }
+    }
+
     void itemsAndState()
     {
         values::ValueSelection* selection = addSelection(QStringLiteral("/sel"), {1, 2});

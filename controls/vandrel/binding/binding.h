@@ -14,11 +14,15 @@
 #include <brevanbase/brevanbase.h>
 #include <values/values.h>
 
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 
 #include <exception>
+#include <functional>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 /// The Observable part of \a value, or null for a null value. The same pointer for every view of a value.
 template <class T>
@@ -191,6 +195,73 @@ bool ForgetDestroyedValue(T*& value, Observable* source)
 }
 
 /**
+ * \brief Runs \a write, a write of \a control to one of its values, and tells whether the control
+ * outlived it.
+ *
+ * Observers of the value run inside the write, and one of them may delete the control: an application
+ * that closes a panel when a value changes, or an undo that rebuilds it. A control touches nothing of
+ * itself after a write that this answered false for.
+ */
+template <class Write>
+bool SurvivesWrite(QObject* control, Write&& write)
+{
+    const QPointer<QObject> alive(control);
+    write();
+    return !alive.isNull();
+}
+
+/**
+ * \brief Holds back the writes a control makes while its Qt base class handles one of its events.
+ *
+ * Some Qt widgets go on touching themselves after the hook in which a control writes: a spin box steps
+ * inside its key, mouse and timer handlers and then updates its own state. An observer of the write
+ * may delete the control, so such a control routes its events through Deliver() and its writes through
+ * Write(): inside an event a write runs once the base class has returned, in the order made; outside
+ * one it runs at once. Nothing of the control is touched after a held write that deleted it.
+ */
+class HeldWrites
+{
+public:
+    /// Runs \a handler, the base class's handling of one event, then the writes it held.
+    template <class Handler>
+    bool Deliver(QObject* control, Handler&& handler)
+    {
+        const QPointer<QObject> alive(control);
+        ++m_nDepth;
+        const bool result = handler();
+        if (!alive)
+            return result;
+        if (--m_nDepth > 0 || m_writes.empty())
+            return result;
+        std::vector<std::function<void()>> writes;
+        writes.swap(m_writes);
+        for (const std::function<void()>& write : writes) {
+            write();
+            if (!alive)
+                break;
+        }
+        return result;
+    }
+
+    /// Runs \a write now, or when the event being handled has been, if one is.
+    template <class Body>
+    void Write(Body&& write)
+    {
+        if (m_nDepth > 0)
+            m_writes.emplace_back(std::forward<Body>(write));
+        else
+            write();
+    }
+
+    /// Whether writes are held now.
+    bool Holding() const { return m_nDepth > 0; }
+
+private:
+    int m_nDepth = 0;
+    std::vector<std::function<void()>> m_writes;
+};
+
+/**
  * \brief Reads the entries of \a log from \a nextSequence on.
  *
  * Returns 0 when nothing is new, 1 when every new entry is of \a kind (\a nextSequence then stands
@@ -203,22 +274,22 @@ VANDREL_EXPORT signed char ScanChangeLog(const values::MultiSelectionChangeLog* 
 /**
  * \brief Runs a binding \a body that may meet exceptions of the value framework.
  *
- * A BrevanException or std::exception is traced (when the mask asks for failures), logged and
- * reported through ErrorHandler::Interface(), and the binding gives false. Other exceptions pass.
+ * A BrevanException or std::exception is traced once (when the mask asks for failures) under the
+ * caller's \a unit and \a line, logged and reported through ErrorHandler::Interface(), and the binding
+ * gives false. Other exceptions pass. A binding writes
+ * `return GuardedBinding(__FILE__, __LINE__, [&] { ... });`.
  */
 template <class Body>
-bool GuardedBinding(const char* unit, Body&& body)
+bool GuardedBinding(const char* unit, unsigned short line, Body&& body)
 {
     try {
         return body();
     } catch (const BrevanException& e) {
-        const unsigned short line = __LINE__;
         if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
             _Q_Trace(QStringLiteral("BrevanException caught in standard catch-block"), QString::fromUtf8(unit), line);
         ErrorHandler::Interface()->LogException(e);
         ErrorHandler::Interface()->ReportException(e, nullptr, -1, true, false);
     } catch (const std::exception& e) {
-        const unsigned short line = __LINE__;
         if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Failures)
             _Q_Trace(QStringLiteral("Standard C++ Exception caught in standard catch-block"), QString::fromUtf8(unit), line);
         const BrevanException wrapped(QString::fromUtf8(e.what()), QString::fromUtf8(unit), QStringLiteral("class"),

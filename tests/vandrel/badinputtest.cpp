@@ -1,0 +1,561 @@
+// Bad input on every binding and every number or pointer setter of the controls: each must fail
+// quietly, never crash, and leave every value of the tree as it was.
+#include <plinthor/plinthor.h>
+#include <vandrel/vandrel.h>
+
+#include <QtTest>
+
+#include <climits>
+#include <clocale>
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace {
+
+values::Tree& tree()
+{
+    return *values::Tree::Instance();
+}
+
+// One value of each kind a binding may or may not take.
+const QString kBool = QStringLiteral("/v/bool"), kInt = QStringLiteral("/v/int"), kDouble = QStringLiteral("/v/double"),
+              kText = QStringLiteral("/v/text"), kSel = QStringLiteral("/v/sel"), kMulti = QStringLiteral("/v/multi"),
+              kPlain = QStringLiteral("/v/plain");
+const QStringList kKinds = {kBool, kInt, kDouble, kText, kSel, kMulti, kPlain};
+const QStringList kNumbers = {kInt, kDouble};
+
+void fillTree()
+{
+    tree().Add(kBool, new values::BoolValue(true));
+    tree().Add(kInt, new values::IntNumeric(3, 0, 6, 1));
+    auto* number = new values::DoubleNumeric(2.0, -10.0, 10.0, 0.5);
+    tree().Add(kDouble, number);
+    tree().Add(kText, new values::StringValue(QStringLiteral("hello")));
+    auto* selection = new values::ValueSelection;
+    selection->AddItem(QStringLiteral("AM"), 1000.0, 10, nullptr);
+    selection->AddItem(QStringLiteral("FM"), 2000.0, 20, nullptr);
+    selection->SelectKey(20, nullptr);
+    tree().Add(kSel, selection);
+    auto* multi = new values::StringMultiSelection(0);
+    multi->AddItem(1, QStringLiteral("a"), true);
+    multi->AddItem(2, QStringLiteral("b"));
+    tree().Add(kMulti, multi);
+    tree().Add(kPlain, new values::IntValue(7));
+    Plinthor::Instance().GetPositionFormat(); // made on first use; a coordinate field's, not the input's
+    // One undo recording under /v, so that an undo button wrongly following it would be enabled.
+    UndoRecordingControlBase presets;
+    GuiUndoRecordingHelper span(&presets, QString());
+    number->SetValue(2.5, nullptr);
+    number->SetPendingValue(2.5, nullptr); // as a spin box bound to it lines it up
+}
+
+// Everything a bad input must leave alone, per path: state, text, limits, pending number, items;
+// and the undo history. Private values that controls make for themselves (VCUndo) are not the input's.
+QMap<QString, QString> snapshot()
+{
+    QMap<QString, QString> out;
+    for (const QString& path : tree().Paths()) {
+        if (path.startsWith(QLatin1String("/.unique/")))
+            continue;
+        values::ValueBase* value = tree().Find(path);
+        QString line = QString::number(value->GetState()) + QLatin1Char('|') + value->GetValueString();
+        if (auto* n = dynamic_cast<values::IValueNumeric*>(value)) {
+            for (double x : {n->GetValue(), n->GetMinimum(), n->GetMaximum(), n->GetStep(), n->GetPendingValue()})
+                line += QLatin1Char('|') + QString::number(x, 'g', 17);
+        }
+        if (auto* s = dynamic_cast<values::ValueSelection*>(value)) {
+            line += QStringLiteral("|current %1").arg(s->GetCurrentKey());
+            for (int i = 0; i < s->GetItemCount(); ++i) {
+                const values::SelectionItem* item = s->GetItemAt(i);
+                line += QStringLiteral("|%1 %2 %3").arg(item->GetName()).arg(item->GetKey()).arg(item->GetValue());
+            }
+        }
+        if (auto* m = dynamic_cast<values::IValueMultiSelection*>(value)) {
+            std::vector<unsigned int> keys;
+            m->GetKeys(keys);
+            for (unsigned int key : keys)
+                line += QStringLiteral("|%1 %2 %3").arg(key).arg(m->IsItemChecked(int(key)))
+                            .arg(m->IsItemEnabled(int(key)));
+        }
+        out.insert(path, line);
+    }
+    out.insert(QStringLiteral("undo"), QString::number(values::UndoRecorder::Instance().Count()));
+    return out;
+}
+
+// The entries that differ, as "path: before -> after"; empty when none does.
+QString changes(const QMap<QString, QString>& before, const QMap<QString, QString>& after)
+{
+    QStringList keys = before.keys() + after.keys(), out;
+    keys.removeDuplicates();
+    for (const QString& key : qAsConst(keys)) {
+        if (before.value(key) != after.value(key))
+            out << key + QStringLiteral(": ") + before.value(key) + QStringLiteral(" -> ") + after.value(key);
+    }
+    return out.join(QLatin1Char('\n'));
+}
+
+QStringList traces;
+QtMessageHandler previousHandler = nullptr;
+
+void collectTraces(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (context.category && QByteArray(context.category).startsWith("vandrel."))
+        traces << message;
+    else
+        previousHandler(type, context, message);
+}
+
+// A binding under test: makes its control on a host widget, names the widget whose enabled state
+// tells whether the control follows a value, and binds by path or by pointer.
+struct Probe
+{
+    const char* name;
+    QStringList accepts;
+    std::function<QObject*(QWidget*)> make;
+    std::function<bool(QObject*, const QString&)> byPath;
+    std::function<bool(QObject*, values::ValueBase*)> byPointer = nullptr;
+    std::function<QWidget*(QObject*)> face = [](QObject* c) { return qobject_cast<QWidget*>(c); };
+};
+
+template <class C>
+QObject* make(QWidget* host)
+{
+    return new C(host, "badinput");
+}
+
+template <class C>
+std::function<bool(QObject*, const QString&)> byPath(bool (C::*bind)(const QString&))
+{
+    return [bind](QObject* c, const QString& p) { return (static_cast<C*>(c)->*bind)(p); };
+}
+
+template <class C, class V, class Bind>
+std::function<bool(QObject*, values::ValueBase*)> byPointer(Bind bind)
+{
+    return [bind](QObject* c, values::ValueBase* v) { return bind(static_cast<C*>(c), dynamic_cast<V*>(v)); };
+}
+
+VCScrollButtons* makeScrollButtons(QWidget* host)
+{
+    auto* buttons = new VCScrollButtons(host, VCScrollButtons::ScrollButtonsLine | VCScrollButtons::ScrollButtonsPage);
+    buttons->setParent(host); // no widget: the host deletes it
+    return buttons;
+}
+
+const QList<Probe>& probes()
+{
+    using Spin = VCNumericFloatSpin;
+    using Numeric = values::IValueNumeric;
+    const QStringList lineEditKinds = kNumbers + QStringList{kText, kSel};
+    static const QList<Probe> list = {
+        {"VCButton::SetValueSelection_ValuePath", {kSel}, make<VCButton>, byPath(&VCButton::SetValueSelection_ValuePath)},
+        {"VCButton::SetState_ValuePath", kKinds, make<VCButton>, byPath(&VCButton::SetState_ValuePath)},
+        {"VCCheckBox::Set_ValuePath", {kBool, kSel}, make<VCCheckBox>, byPath(&VCCheckBox::Set_ValuePath)},
+        {"VCCheckBox::SetMultiSelection_ValuePath", {kMulti}, make<VCCheckBox>,
+         [](QObject* c, const QString& p) { return static_cast<VCCheckBox*>(c)->SetMultiSelection_ValuePath(p, 1); }},
+        {"VCCheckBox::SetBoolean", {kBool}, make<VCCheckBox>, {},
+         byPointer<VCCheckBox, values::BoolValue>([](VCCheckBox* c, values::BoolValue* v) { return c->SetBoolean(v); })},
+        {"VCCheckBox::SetSelection", {kSel}, make<VCCheckBox>, {},
+         byPointer<VCCheckBox, values::ValueSelection>(
+             [](VCCheckBox* c, values::ValueSelection* v) { return c->SetSelection(v, 10, 20); })},
+        {"VCCoordEdit::SetLatitude_ValuePath", kNumbers, make<VCCoordEdit>, byPath(&VCCoordEdit::SetLatitude_ValuePath)},
+        {"VCCoordEdit::SetLongitude_ValuePath", kNumbers, make<VCCoordEdit>, byPath(&VCCoordEdit::SetLongitude_ValuePath)},
+        {"VCCoordEdit::SetFormat_ValuePath", kNumbers + QStringList{kSel}, make<VCCoordEdit>,
+         byPath(&VCCoordEdit::SetFormat_ValuePath)},
+        {"VCLineEdit::SetText_ValuePath", lineEditKinds, make<VCLineEdit>, byPath(&VCLineEdit::SetText_ValuePath)},
+        {"VCLineEdit::SetValueBase", lineEditKinds, make<VCLineEdit>, {},
+         byPointer<VCLineEdit, values::ValueBase>([](VCLineEdit* c, values::ValueBase* v) { return c->SetValueBase(v); })},
+        {"VCNumericFloatSpin::SetNumeric_ValuePath", kNumbers, make<Spin>, byPath(&Spin::SetNumeric_ValuePath)},
+        {"VCNumericFloatSpin::SetNumericFloat_ValuePath", kNumbers, make<Spin>, byPath(&Spin::SetNumericFloat_ValuePath)},
+        {"VCNumericFloatSpin::SetNumericInt_ValuePath", kNumbers, make<Spin>, byPath(&Spin::SetNumericInt_ValuePath)},
+        {"VCNumericFloatSpin::SetNumericValue", kNumbers, make<Spin>, {},
+         byPointer<Spin, Numeric>([](Spin* c, Numeric* v) { return c->SetNumericValue(v); })},
+        {"VCScrollBar::Set_ValuePath", kNumbers, make<VCScrollBar>, byPath(&VCScrollBar::Set_ValuePath)},
+        {"VCSlider::SetNumeric_ValuePath", kNumbers, make<VCSlider>, byPath(&VCSlider::SetNumeric_ValuePath)},
+        {"VCSlider::SetNumericValue", kNumbers, make<VCSlider>, {},
+         byPointer<VCSlider, Numeric>([](VCSlider* c, Numeric* v) { return c->SetNumericValue(v); })},
+        {"VCScrollButtons::Set_ValuePath", kNumbers, makeScrollButtons, byPath(&VCScrollButtons::Set_ValuePath), {},
+         [](QObject* c) -> QWidget* { return static_cast<VCScrollButtons*>(c)->GetPlusButton(); }},
+        {"VCSpinSelectionBox::SetValueSelection_ValuePath", {kSel}, make<VCSpinSelectionBox>,
+         byPath(&VCSpinSelectionBox::SetValueSelection_ValuePath)},
+        {"VCTextEdit::SetText_ValuePath", {kText}, [](QWidget* host) -> QObject* { return new VCTextEdit(host); },
+         byPath(&VCTextEdit::SetText_ValuePath)},
+        {"VCTextEdit::SetValueBase", {kText}, [](QWidget* host) -> QObject* { return new VCTextEdit(host); }, {},
+         byPointer<VCTextEdit, values::ValueBase>([](VCTextEdit* c, values::ValueBase* v) { return c->SetValueBase(v); })},
+        // No result to give: a bad base path must only leave the button with nothing to undo. An empty
+        // one stands for the whole tree, as "/" does.
+        {"VCUndo::SetUndoRecordings_BasePath", kKinds, make<VCUndo>,
+         [](QObject* c, const QString& p) {
+             if (!p.isEmpty())
+                 static_cast<VCUndo*>(c)->SetUndoRecordings_BasePath(p);
+             return false;
+         },
+         {}, [](QObject* c) -> QWidget* { return c->findChild<VCButton*>(); }},
+    };
+    return list;
+}
+
+// A control of class C on \a host, bound as an application binds it.
+template <class C, class... Extra>
+C* bound(QWidget* host, bool (C::*bind)(const QString&), const QString& path, Extra... extra)
+{
+    auto* control = new C(host, "badinput", extra...);
+    (control->*bind)(path);
+    return control;
+}
+
+VCNumericFloatSpin* boundSpin(QWidget* host)
+{
+    return bound(host, &VCNumericFloatSpin::SetNumericFloat_ValuePath, kDouble);
+}
+
+} // namespace
+
+class BadInputTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { previousHandler = qInstallMessageHandler(collectTraces); }
+    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+    void init()
+    {
+        ErrorHandler::Instance().SetReportingMask(ErrorHandler::Assertions | ErrorHandler::Failures);
+        fillTree();
+        traces.clear();
+    }
+    void cleanup() { tree().Clear(); }
+
+    // The suite runs once more under LC_ALL (scripts/test.sh --locale): Qt and the C library must both
+    // have taken it, or that run proves nothing.
+    void localeOfTheRun()
+    {
+        const QByteArray wanted = qgetenv("LC_ALL");
+        if (wanted.isEmpty() || wanted == "C" || wanted == "POSIX")
+            QSKIP("no locale asked for");
+        qInfo("locale of the run: %s", qPrintable(QLocale().name()));
+        QCOMPARE(QLocale().name(), QString::fromLatin1(wanted).section(QLatin1Char('.'), 0, 0));
+        QCOMPARE(QByteArray(std::setlocale(LC_NUMERIC, nullptr)), wanted);
+        QCOMPARE(QString(QLatin1Char(*std::localeconv()->decimal_point)), QString(QLocale().decimalPoint()));
+    }
+
+    void bindings_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("wrongKinds"); // every value of a kind the binding does not take
+        QTest::addColumn<bool>("pointer");    // the pointer form; a null path stands for a null pointer
+
+        const QList<QPair<const char*, QString>> paths = {
+            {"null path", QString()},
+            {"empty", QStringLiteral("")},
+            {"relative", QStringLiteral("v/int")},
+            {"dot segment", QStringLiteral("/v/./int")},
+            {"trailing slash", QStringLiteral("/v/int/")},
+            {"doubled slashes", QStringLiteral("//v//int")},
+            {"blanks around", QStringLiteral(" /v/int ")},
+            {"other case", QStringLiteral("/V/INT")},
+            {"unknown key", QStringLiteral("/v/none")},
+            {"below a value", QStringLiteral("/v/int/x")},
+            {"100,000 characters", QStringLiteral("/v/") + QString(100000, QLatin1Char('i'))},
+            {"non-ASCII", QStringLiteral("/v/\u00efnt")},
+            {"look-alike letter", QStringLiteral("/v/\u0456nt")},
+            {"astral plane", QStringLiteral("/v/\U0001F4E1")},
+            {"embedded NUL", kBool + QChar(0)},
+        };
+        for (const auto& p : paths)
+            QTest::newRow(p.first) << p.second << false << false;
+        QTest::newRow("wrong kind") << QString() << true << false;
+        QTest::newRow("null pointer") << QString() << false << true;
+        QTest::newRow("wrong kind pointer") << QString() << true << true;
+    }
+
+    void bindings()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, wrongKinds);
+        QFETCH(bool, pointer);
+
+        for (const Probe& probe : probes()) {
+            if (pointer ? !probe.byPointer : !probe.byPath)
+                continue;
+            QStringList targets{path};
+            if (wrongKinds) {
+                targets = kKinds;
+                for (const QString& kind : probe.accepts)
+                    targets.removeAll(kind);
+            }
+            for (const QString& target : qAsConst(targets)) {
+                const QByteArray what = QByteArray(probe.name) + " with " + target.left(24).toUtf8();
+                QWidget host;
+                QObject* control = probe.make(&host);
+                QWidget* face = probe.face(control);
+                const bool enabled = face->isEnabled();
+                const QMap<QString, QString> before = snapshot();
+                traces.clear();
+
+                const bool bound = pointer ? probe.byPointer(control, target.isNull() ? nullptr : tree().Find(target))
+                                           : probe.byPath(control, target);
+                QVERIFY2(!bound, what);
+                const QString changed = changes(before, snapshot());
+                QVERIFY2(changed.isEmpty(), what + ": " + changed.toUtf8());
+                QVERIFY2(traces.isEmpty(), what + ": " + traces.join(QLatin1Char('\n')).toUtf8());
+                // A control that attached anyway would follow these state changes.
+                for (int state : {Disabled, Enabled}) {
+                    for (const QString& kind : kKinds)
+                        tree().Find(kind)->SetState(state);
+                }
+                QVERIFY2(face->isEnabled() == enabled, what);
+            }
+        }
+    }
+
+    void numberSetters_data()
+    {
+        QTest::addColumn<QString>("setter");
+        QTest::addColumn<double>("number");
+        QTest::addColumn<QString>("trace");     // a part of the trace expected; empty: none at all
+        QTest::addColumn<QString>("mayChange"); // a value the setter writes by design; the value clamps
+
+        using Numbers = QList<QPair<const char*, double>>;
+        const double inf = std::numeric_limits<double>::infinity();
+        const Numbers doubles = {{"NaN", std::nan("")}, {"+inf", inf}, {"-inf", -inf}};
+        const Numbers scales = doubles + Numbers{{"0", 0.0}};
+        const Numbers ints = {{"INT_MIN", double(INT_MIN)}, {"-1", -1.0}, {"0", 0.0}, {"INT_MAX", double(INT_MAX)}};
+        const auto rows = [](const char* setter, const Numbers& numbers, const QString& mayChange = QString(),
+                             const QString& nanTrace = QString()) {
+            for (const auto& n : numbers)
+                QTest::addRow("%s %s", setter, n.first) << QString::fromLatin1(setter) << n.second
+                                                        << (std::isnan(n.second) ? nanTrace : QString()) << mayChange;
+        };
+        rows("VCButton::SetRepeaterTime", ints);
+        rows("VCButton::setCurrentItem", ints);
+        rows("VCButton::SetSpecialPicture", ints);
+        rows("VCCheckBox::SetSelection", ints);
+        rows("VCCheckBox::SetMultiSelection_ValuePath", ints);
+        rows("VCCoordEdit::SetLatitude", doubles);
+        rows("VCCoordEdit::SetLongitude", doubles);
+        rows("VCCoordEdit::slotSetFormat",
+             {{"INT_MIN", double(INT_MIN)}, {"-1", -1.0}, {"7", 7.0}, {"INT_MAX", double(INT_MAX)}});
+        rows("VCCoordEdit::SetFormat", {{"7", 7.0}});
+        rows("VCLineEdit::SetNumeric", doubles, kDouble, QStringLiteral("value = NaN , parentname :badinput"));
+        rows("VCLineEdit::SetNumeric unbound", doubles);
+        rows("VCLineEdit::SetFormat factor", scales);
+        rows("VCLineEdit::SetFormat digits", ints);
+        rows("VCLineEdit::SetFactor", ints);
+        rows("VCNumericFloatSpin::SetFactor", scales);
+        rows("VCNumericFloatSpin::SetUnitScale", scales);
+        rows("VCNumericFloatSpin::SetDisplayScalingFactor", scales);
+        rows("VCNumericFloatSpin::SetDisplayAdditveOffset", doubles);
+        rows("VCNumericFloatSpin::setValue", doubles);
+        rows("VCNumericFloatSpin::setAdditionalPrecision", ints);
+        rows("VCNumericFloatSpin::stepBy", ints, kDouble);
+        rows("VCScrollButtons steps", ints, kInt);
+        rows("VCScrollButtons unbound", ints);
+        rows("VCSlider::setMinValue", ints);
+        rows("VCSpinSelectionBox::setOrderOfMagnitudeVSValues", ints, kSel);
+    }
+
+    // Each setter runs on a control bound as an application binds it; only the value named in
+    // mayChange may change, and only within its limits.
+    void numberSetters()
+    {
+        QFETCH(QString, setter);
+        QFETCH(double, number);
+        QFETCH(QString, trace);
+        QFETCH(QString, mayChange);
+        using Spin = VCNumericFloatSpin;
+        using Setter = std::function<void(QWidget*, double, int)>;
+        // A plain store, then what may follow it: a redraw and a finished edit.
+        const auto spinStore = [](void (Spin::*set)(double)) -> Setter {
+            return [set](QWidget* host, double x, int) {
+                Spin* spin = boundSpin(host);
+                (spin->*set)(x);
+                spin->textFromValue(2.5);
+                spin->SlotEditingFinished();
+            };
+        };
+        static const QHash<QString, Setter> setters = {
+            {"VCButton::SetRepeaterTime",
+             [](QWidget* host, double, int n) {
+                 bound(host, &VCButton::SetValueSelection_ValuePath, kSel)->SetRepeaterTime(n);
+             }},
+            {"VCButton::setCurrentItem",
+             [](QWidget* host, double, int n) {
+                 VCButton* button = bound(host, &VCButton::SetValueSelection_ValuePath, kSel);
+                 button->setCurrentItem(n);
+                 QCOMPARE(button->GetCurrentText(), QStringLiteral("FM"));
+             }},
+            {"VCButton::SetSpecialPicture",
+             [](QWidget* host, double, int n) {
+                 VCButton* button = bound(host, &VCButton::SetValueSelection_ValuePath, kSel);
+                 button->SetDefaultPicture(static_cast<const char* const*>(nullptr));
+                 button->SetButtonClickCallback(nullptr);
+                 QVERIFY(button->SetSpecialPicture(n, static_cast<const char* const*>(nullptr), true));
+                 button->setCurrentItem(n);
+             }},
+            // The keys name no item: a click must leave the selection's current item.
+            {"VCCheckBox::SetSelection",
+             [](QWidget* host, double, int n) {
+                 auto* box = new VCCheckBox(host, "badinput");
+                 QVERIFY(box->SetSelection(dynamic_cast<values::ValueSelection*>(tree().Find(kSel)), n, n));
+                 box->toggle();
+                 box->slotInternalChange();
+             }},
+            {"VCCheckBox::SetMultiSelection_ValuePath",
+             [](QWidget* host, double, int n) {
+                 auto* box = new VCCheckBox(host, "badinput");
+                 QVERIFY(box->SetMultiSelection_ValuePath(kMulti, n));
+                 box->toggle();
+                 box->slotInternalChange();
+             }},
+            {"VCCoordEdit::SetLatitude",
+             [](QWidget* host, double x, int) {
+                 bound(host, &VCCoordEdit::SetLatitude_ValuePath, kDouble)->SetLatitude(x);
+             }},
+            {"VCCoordEdit::SetLongitude",
+             [](QWidget* host, double x, int) {
+                 bound(host, &VCCoordEdit::SetLongitude_ValuePath, kDouble)->SetLongitude(x);
+             }},
+            {"VCCoordEdit::slotSetFormat",
+             [](QWidget* host, double, int n) {
+                 bound(host, &VCCoordEdit::SetFormat_ValuePath, kInt)->slotSetFormat(n);
+             }},
+            {"VCCoordEdit::SetFormat",
+             [](QWidget* host, double, int n) {
+                 bound(host, &VCCoordEdit::SetFormat_ValuePath, kInt)->SetFormat(CoordFormat(n));
+             }},
+            // The line edit hands even a NaN to its value, after a trace; the value refuses it and
+            // clamps the infinities, and the field shows what the value kept.
+            {"VCLineEdit::SetNumeric",
+             [](QWidget* host, double x, int) {
+                 VCLineEdit* edit = bound(host, &VCLineEdit::SetText_ValuePath, kDouble);
+                 edit->SetNumeric(x);
+                 const double kept = std::isnan(x) ? 2.5 : qBound(-10.0, x, 10.0);
+                 QCOMPARE(dynamic_cast<values::IValueNumeric*>(tree().Find(kDouble))->GetValue(), kept);
+                 QCOMPARE(edit->text().toDouble(), kept);
+             }},
+            {"VCLineEdit::SetNumeric unbound",
+             [](QWidget* host, double x, int) { (new VCLineEdit(host, "badinput"))->SetNumeric(x); }},
+            {"VCLineEdit::SetFormat factor",
+             [](QWidget* host, double x, int) {
+                 VCLineEdit* edit = bound(host, &VCLineEdit::SetText_ValuePath, kDouble);
+                 edit->SetFormat(2, 2, QStringLiteral("dB"), QStringLiteral("k"), x);
+                 edit->SetNumeric(2.5);
+             }},
+            {"VCLineEdit::SetFormat digits",
+             [](QWidget* host, double, int n) {
+                 VCLineEdit* edit = bound(host, &VCLineEdit::SetText_ValuePath, kDouble);
+                 edit->SetFormat(n, n, QString(), QString(), 1.0);
+                 edit->SetNumeric(2.5);
+             }},
+            {"VCLineEdit::SetFactor",
+             [](QWidget* host, double, int n) {
+                 VCLineEdit* edit = bound(host, &VCLineEdit::SetText_ValuePath, kDouble, VCLineEdit::SuffixedNumber);
+                 const QString shown = edit->text();
+                 QVERIFY(edit->SetFactor(n));
+                 if (n < 2)
+                     QCOMPARE(edit->text(), shown);
+             }},
+            // A factor or unit scale of zero, NaN or an infinity is refused: the one in force stays, with
+            // a trace, and a finished edit writes the number as it was.
+            {"VCNumericFloatSpin::SetFactor",
+             [](QWidget* host, double x, int) {
+                 Spin* spin = boundSpin(host);
+                 traces.clear();
+                 spin->SetFactor(x);
+                 QVERIFY(!traces.isEmpty());
+                 traces.clear();
+                 spin->setValue(2.5);
+                 QCOMPARE(spin->value(), 2.5);
+                 spin->SlotEditingFinished();
+             }},
+            {"VCNumericFloatSpin::SetUnitScale",
+             [](QWidget* host, double x, int) {
+                 Spin* spin = boundSpin(host);
+                 const QString shown = spin->textFromValue(2.5);
+                 traces.clear();
+                 spin->SetUnitScale(x);
+                 QVERIFY(!traces.isEmpty());
+                 traces.clear();
+                 QCOMPARE(spin->textFromValue(2.5), shown);
+                 spin->SlotEditingFinished();
+             }},
+            {"VCNumericFloatSpin::SetDisplayScalingFactor", spinStore(&Spin::SetDisplayScalingFactor)},
+            {"VCNumericFloatSpin::SetDisplayAdditveOffset", spinStore(&Spin::SetDisplayAdditveOffset)},
+            {"VCNumericFloatSpin::setValue", [](QWidget* host, double x, int) { boundSpin(host)->setValue(x); }},
+            {"VCNumericFloatSpin::setAdditionalPrecision",
+             [](QWidget* host, double, int n) { boundSpin(host)->setAdditionalPrecision(n); }},
+            {"VCNumericFloatSpin::stepBy", [](QWidget* host, double, int n) { boundSpin(host)->stepBy(n); }},
+            {"VCScrollButtons steps",
+             [](QWidget* host, double, int n) {
+                 VCScrollButtons* buttons = makeScrollButtons(host);
+                 buttons->Set_ValuePath(kInt);
+                 buttons->setSingleStep(n);
+                 buttons->setPageStep(n);
+                 for (VCButton* button : {buttons->GetPlusButton(), buttons->GetPlusPageButton(),
+                                          buttons->GetMinusButton(), buttons->GetMinusPageButton()})
+                     button->click();
+                 buttons->Up();
+                 buttons->Down();
+                 QVERIFY(buttons->value() >= 0 && buttons->value() <= 6);
+             }},
+            {"VCScrollButtons unbound",
+             [](QWidget* host, double, int n) {
+                 VCScrollButtons* buttons = makeScrollButtons(host);
+                 buttons->setMinValue(n);
+                 buttons->setMaxValue(~n); // the other end of the int range
+                 buttons->setValue(n);
+                 buttons->setSingleStep(n);
+                 buttons->setPageStep(~n);
+                 buttons->addLine();
+                 buttons->addPage();
+                 buttons->subtractLine();
+                 buttons->subtractPage();
+                 buttons->Up();
+                 buttons->Down();
+             }},
+            {"VCSlider::setMinValue",
+             [](QWidget* host, double, int n) {
+                 VCSlider* slider = bound(host, &VCSlider::SetNumeric_ValuePath, kInt);
+                 slider->setMinValue(n);
+                 slider->setMaxValue(n);
+                 QCOMPARE(slider->minimum(), 0);
+                 QCOMPARE(slider->maximum(), 6);
+             }},
+            // A typed magnitude selects the nearest item; an unknown letter must not break that.
+            {"VCSpinSelectionBox::setOrderOfMagnitudeVSValues",
+             [](QWidget* host, double, int n) {
+                 VCSpinSelectionBox* box = bound(host, &VCSpinSelectionBox::SetValueSelection_ValuePath, kSel);
+                 box->setOrderOfMagnitudeVSValues(wchar_t(n));
+                 box->findChild<QLineEdit*>()->setText(QStringLiteral("2 k"));
+                 box->interpretText();
+             }},
+        };
+        QVERIFY2(setters.contains(setter), qPrintable(setter));
+
+        QMap<QString, QString> before = snapshot();
+        {
+            QWidget host;
+            setters.value(setter)(&host, number, int(number));
+        }
+        QMap<QString, QString> after = snapshot();
+        if (!mayChange.isEmpty()) {
+            if (auto* value = dynamic_cast<values::IValueNumeric*>(tree().Find(mayChange))) {
+                for (double x : {value->GetValue(), value->GetPendingValue()})
+                    QVERIFY(x >= value->GetMinimum() && x <= value->GetMaximum());
+            }
+            for (const QString& key : {mayChange, QStringLiteral("undo")}) {
+                before.remove(key);
+                after.remove(key);
+            }
+        }
+        QCOMPARE(changes(before, after), QString());
+        const QString said = traces.join(QLatin1Char('\n'));
+        QVERIFY2(trace.isEmpty() ? said.isEmpty() : said.contains(trace), qPrintable(said));
+    }
+};
+
+QTEST_MAIN(BadInputTest)
+#include "badinputtest.moc"

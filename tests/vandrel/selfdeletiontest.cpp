@@ -1,0 +1,340 @@
+// Every control survives being deleted by an observer of a write it makes itself: an application
+// that closes a panel when a value changes, or an undo that rebuilds it. Run under ASan, a control
+// that touches itself after such a write fails here.
+
+#include <vandrel/vandrel.h>
+
+#include <QLineEdit>
+#include <QPointer>
+#include <QtTest>
+
+#include <functional>
+#include <utility>
+
+namespace {
+
+values::Tree& tree()
+{
+    return *values::Tree::Instance();
+}
+
+// Deletes the widget it guards when the watched value reports a change, as a panel closing would.
+class Closer : public IObserver
+{
+public:
+    Closer(Observable* watched, QObject* victim)
+        : m_watched(watched)
+        , m_victim(victim)
+    {
+        m_watched->Attach(this);
+    }
+    ~Closer() override
+    {
+        if (m_watched)
+            m_watched->Detach(this);
+    }
+    void Update(Observable*, TChangeCode code) override
+    {
+        if (code == ValueDestroyed)
+            m_watched = nullptr;
+        if ((code == ValueChanged || code == PendingValueChanged) && m_victim) {
+            ++closed;
+            // Taken first: a field commits from its destructor, which notifies once more.
+            delete std::exchange(m_victim, nullptr).data();
+        }
+    }
+    int closed = 0;
+
+private:
+    Observable* m_watched;
+    QPointer<QObject> m_victim;
+};
+
+struct Case
+{
+    const char* name;
+    // Makes the control on the window, bound to a value it adds to the tree; returns the control
+    // and the value the closer watches.
+    std::function<QPair<QObject*, Observable*>(QWidget*)> make;
+    // The user input that makes the control write.
+    std::function<void(QWidget*)> act;
+    // What the value holds after the write.
+    std::function<bool()> wrote;
+};
+
+values::ValueSelection* addSelection(const QString& path, int count, long current)
+{
+    auto* selection = new values::ValueSelection;
+    for (long key = 0; key < count; ++key)
+        selection->AddItem(QStringLiteral("item %1").arg(key), double(key), key, nullptr);
+    selection->SelectKey(current, nullptr);
+    tree().Add(path, selection);
+    return selection;
+}
+
+template <class T>
+T* add(const QString& path, T* value)
+{
+    tree().Add(path, value);
+    return value;
+}
+
+template <class T>
+T* valueAt(const char* path)
+{
+    return dynamic_cast<T*>(tree().Find(QString::fromLatin1(path)));
+}
+
+void typeAndReturn(QWidget* field, const QString& text)
+{
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+}
+
+void typeAndLeave(QWidget* field, const QString& text)
+{
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(field, text);
+    field->window()->findChild<QLineEdit*>(QStringLiteral("elsewhere"))->setFocus();
+}
+
+const QList<Case>& cases()
+{
+    static const QList<Case> all = {
+        {"button click",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCButton(w, QStringLiteral("b"));
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { QTest::mouseClick(c, Qt::LeftButton); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button key",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCButton(w, QStringLiteral("b"));
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Space);
+             QTest::qWait(150); // the animated click
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"check box on a boolean",
+         [](QWidget* w) {
+             auto* b = add(QStringLiteral("/b"), new values::BoolValue(false));
+             auto* c = new VCCheckBox(w, "c");
+             c->Set_ValuePath(QStringLiteral("/b"));
+             return qMakePair<QObject*, Observable*>(c, b);
+         },
+         [](QWidget* c) { QTest::mouseClick(c, Qt::LeftButton, Qt::NoModifier, QPoint(5, c->height() / 2)); },
+         [] { return valueAt<values::BoolValue>("/b")->GetValue(); }},
+        {"check box on a multi-selection item",
+         [](QWidget* w) {
+             auto* m = add(QStringLiteral("/m"), new values::StringMultiSelection(0));
+             m->AddItem(4, QStringLiteral("four"));
+             auto* c = new VCCheckBox(w, "c");
+             c->SetMultiSelection_ValuePath(QStringLiteral("/m"), 4);
+             return qMakePair<QObject*, Observable*>(c, m);
+         },
+         [](QWidget* c) { QTest::mouseClick(c, Qt::LeftButton, Qt::NoModifier, QPoint(5, c->height() / 2)); },
+         [] { return valueAt<values::StringMultiSelection>("/m")->IsItemChecked(4); }},
+        {"slider key",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/n"), new values::IntNumeric(5, 0, 10, 1));
+             auto* c = new VCSlider(w, "s");
+             c->SetNumeric_ValuePath(QStringLiteral("/n"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::keyClick(c, Qt::Key_Up); },
+         [] { return valueAt<values::IntNumeric>("/n")->GetValue() == 6; }},
+        {"scroll bar wheel",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/n"), new values::IntNumeric(5, 0, 10, 1));
+             auto* c = new VCScrollBar(w, "s");
+             c->resize(20, 100);
+             c->Set_ValuePath(QStringLiteral("/n"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::keyClick(c, Qt::Key_Down); },
+         [] { return valueAt<values::IntNumeric>("/n")->GetValue() == 6; }},
+        {"scroll buttons click",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/n"), new values::IntNumeric(5, 0, 10, 1));
+             auto* c = new VCScrollButtons(w, VCScrollButtons::ScrollButtonsTop | VCScrollButtons::ScrollButtonsLine);
+             c->Set_ValuePath(QStringLiteral("/n"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::mouseClick(c, Qt::LeftButton); },
+         [] { return valueAt<values::IntNumeric>("/n")->GetValue() == 6; }},
+        {"float spin step, direct",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
+             auto* c = new VCNumericFloatSpin(w, "f", false);
+             c->SetNumeric_ValuePath(QStringLiteral("/d"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::keyClick(c, Qt::Key_Up); },
+         [] { return valueAt<values::DoubleNumeric>("/d")->GetValue() == 6.0; }},
+        {"float spin step, pending",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
+             auto* c = new VCNumericFloatSpin(w, "f", true);
+             c->SetNumeric_ValuePath(QStringLiteral("/d"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::keyClick(c, Qt::Key_Up); },
+         [] { return valueAt<values::DoubleNumeric>("/d")->GetPendingValue() == 6.0; }},
+        {"float spin typed",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
+             auto* c = new VCNumericFloatSpin(w, "f", true);
+             c->SetNumeric_ValuePath(QStringLiteral("/d"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { typeAndReturn(c, QStringLiteral("7")); },
+         [] { return valueAt<values::DoubleNumeric>("/d")->GetValue() == 7.0; }},
+        {"spin selection step",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCSpinSelectionBox(w, "s");
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { QTest::keyClick(c, Qt::Key_Up); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"line edit, text, Return",
+         [](QWidget* w) {
+             auto* s = add(QStringLiteral("/t"), new values::StringValue(QStringLiteral("old")));
+             auto* c = new VCLineEdit(w, "l");
+             c->SetText_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, s);
+         },
+         [](QWidget* c) { typeAndReturn(c, QStringLiteral("new")); },
+         [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); }},
+        {"line edit, number, focus loss",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
+             auto* c = new VCLineEdit(w, "l");
+             c->SetText_ValuePath(QStringLiteral("/d"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { typeAndLeave(c, QStringLiteral("7")); },
+         [] { return valueAt<values::DoubleNumeric>("/d")->GetValue() == 7.0; }},
+        {"line edit, number above the maximum",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
+             auto* c = new VCLineEdit(w, "l");
+             c->SuppressErrorMessage(true);
+             c->SetText_ValuePath(QStringLiteral("/d"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { typeAndReturn(c, QStringLiteral("70")); },
+         [] { return valueAt<values::DoubleNumeric>("/d")->GetValue() == 10.0; }},
+        {"line edit, selection",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCLineEdit(w, "l");
+             c->SetText_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { typeAndReturn(c, QStringLiteral("item 2")); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 2; }},
+        {"text edit, focus loss",
+         [](QWidget* w) {
+             auto* s = add(QStringLiteral("/t"), new values::StringValue(QStringLiteral("old")));
+             auto* c = new VCTextEdit(w);
+             c->SetText_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, s);
+         },
+         [](QWidget* c) { typeAndLeave(c, QStringLiteral("new")); },
+         [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); }},
+        {"coordinate edit, Return",
+         [](QWidget* w) {
+             auto* lat = add(QStringLiteral("/lat"), new values::DoubleNumeric(1, -90, 90, 0));
+             add(QStringLiteral("/lon"), new values::DoubleNumeric(2, -180, 180, 0));
+             auto* c = new VCCoordEdit(w, "p");
+             c->SetFormat(GeoDecimal);
+             c->SetLatitude_ValuePath(QStringLiteral("/lat"));
+             c->SetLongitude_ValuePath(QStringLiteral("/lon"));
+             return qMakePair<QObject*, Observable*>(c, lat);
+         },
+         [](QWidget* c) { typeAndReturn(c, QStringLiteral("-10.5 -20.25")); },
+         [] { return valueAt<values::DoubleNumeric>("/lat")->GetValue() == -10.5; }},
+        {"undo button",
+         [](QWidget* w) {
+             auto* n = add(QStringLiteral("/u/n"), new values::IntNumeric(5, 0, 10, 1));
+             {
+                 UndoRecordingControlBase recording;
+                 GuiUndoRecordingHelper span(&recording, QString());
+                 n->SetValue(8, nullptr);
+             }
+             auto* c = new VCUndo(w, "undo");
+             c->SetUndoRecordings_BasePath(QStringLiteral("/u"));
+             return qMakePair<QObject*, Observable*>(c, n);
+         },
+         [](QWidget* c) { QTest::mouseClick(c->findChild<VCButton*>(), Qt::LeftButton); },
+         [] { return valueAt<values::IntNumeric>("/u/n")->GetValue() == 5; }},
+    };
+    return all;
+}
+
+} // namespace
+
+class SelfDeletionTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup()
+    {
+        tree().Clear();
+        values::UndoRecorder::Instance().Clear();
+    }
+
+    void deletedByAnObserverOfItsOwnWrite_data()
+    {
+        QTest::addColumn<int>("row");
+        for (int i = 0; i < cases().size(); ++i)
+            QTest::newRow(cases().at(i).name) << i;
+    }
+
+    void deletedByAnObserverOfItsOwnWrite()
+    {
+        QFETCH(int, row);
+        const Case& c = cases().at(row);
+        QWidget window;
+        window.resize(300, 120);
+        auto* elsewhere = new QLineEdit(&window);
+        elsewhere->setObjectName(QStringLiteral("elsewhere"));
+        elsewhere->move(0, 90);
+        const auto made = c.make(&window);
+        QPointer<QObject> control = made.first;
+        // The scroll buttons are no widget themselves: the user clicks their plus button.
+        auto* scroll = qobject_cast<VCScrollButtons*>(control);
+        QWidget* target = scroll ? scroll->GetPlusButton() : static_cast<QWidget*>(control.data());
+        if (!scroll)
+            target->resize(target->sizeHint().expandedTo(QSize(120, 24)));
+        window.show();
+        QApplication::setActiveWindow(&window);
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QVERIFY(target->isEnabled());
+
+        Closer closer(made.second, control);
+        c.act(target);
+        QTRY_VERIFY(closer.closed > 0);
+        QVERIFY(control.isNull());
+        QVERIFY(c.wrote());
+        // Events still queued for the control must find nothing of it.
+        QTest::qWait(250);
+    }
+};
+
+QTEST_MAIN(SelfDeletionTest)
+#include "selfdeletiontest.moc"
