@@ -622,11 +622,15 @@ std::vector<Driver> makeDrivers()
                     const double scale = std::pow(10.0, spin->decimals());
                     // Clamped into the limits, then held in the box's decimals, which the value clamps once more.
                     auto clamp = [n](double x) { return qBound(n->GetMinimum(), x, n->GetMaximum()); };
-                    auto held = [scale](double x) { return std::floor(x * scale + 0.5) / scale; }; // halves up, as qRound
-                    double expected = clamp(held(clamp(held(typed))));
-                    if (h.cells[c.bound[0]].kind == IntNum)
-                        expected = qBound(n->GetMinimum(), double(std::llround(expected)), n->GetMaximum());
-                    if (std::abs(n->GetValue() - expected) > 1e-9 * std::max(1.0, std::abs(expected)))
+                    // A half may go up or away from zero.
+                    auto up = [scale](double x) { return std::floor(x * scale + 0.5) / scale; };
+                    auto away = [scale](double x) { return std::round(x * scale) / scale; };
+                    auto fits = [&](double expected) {
+                        if (h.cells[c.bound[0]].kind == IntNum)
+                            expected = clamp(double(std::llround(expected)));
+                        return std::abs(n->GetValue() - expected) <= 1e-9 * std::max(1.0, std::abs(expected));
+                    };
+                    if (!fits(clamp(up(clamp(up(typed))))) && !fits(clamp(away(clamp(away(typed))))))
                         throw QStringLiteral("typed %1 into #%2 (limits %3..%4), the value holds %5, the box shows \"%6\"")
                             .arg(typed).arg(c.index).arg(n->GetMinimum()).arg(n->GetMaximum()).arg(n->GetValue())
                             .arg(spin ? spin->text() : QString());
