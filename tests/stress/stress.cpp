@@ -358,8 +358,9 @@ struct Harness
     QElapsedTimer clock;
 };
 
-Harness* g_h;
+Harness* g_h; // the one harness, for the recorders' trap
 bool unexpected(int cell) { return !g_h->writable.count(cell) && !g_h->echoes.count(cell); }
+
 void Killer::Update(Observable*, TChangeCode code)
 {
     if (code == ValueDestroyed) {
@@ -374,7 +375,7 @@ void Killer::Update(Observable*, TChangeCode code)
     const bool binding = harness->binding == std::make_pair(control, cell);
     const bool writesAnywhere = c.driver && c.driver->roles == 0; // an undo button
     if (harness->spareWriters && (c.bound[0] == cell || c.bound[1] == cell || binding || writesAnywhere))
-        return; // bound since the killer was set
+        return; // spared, also when bound after the killer was set
     if (c.alive())
         harness->destroy(control);
 }
