@@ -54,4 +54,7 @@ if [ -n "$locale" ]; then
     export LC_ALL="$locale" LANG="$locale" LANGUAGE=""
     echo "== the suite under LC_ALL=$LC_ALL"
 fi
-ctest --output-on-failure -j"$jobs" --timeout 300
+# The long stress run (label "long") belongs to the sanitizer run, where it can catch what touches freed memory.
+long=(-LE long)
+[ $sanitize -eq 0 ] || long=()
+ctest --output-on-failure -j"$jobs" --timeout 900 "${long[@]}"

@@ -85,6 +85,9 @@ VCButton::~VCButton()
 bool VCButton::SetValueSelection_ValuePath(const QString& path)
 {
     m_pValueSelection = FindAndAttach<values::ValueSelection>(path, m_pValueSelection, this);
+    // The state value may be the selection let go: it must keep telling its state, and its removal.
+    if (m_pStateValue)
+        ObservableOf(m_pStateValue)->Attach(this);
     if (m_pValueSelection) {
         RemoveItemsFromList();
         AddItems2List();
@@ -97,6 +100,8 @@ bool VCButton::SetValueSelection_ValuePath(const QString& path)
 bool VCButton::SetState_ValuePath(const QString& path)
 {
     m_pStateValue = FindAndAttach<values::ValueBase>(path, m_pStateValue, this);
+    if (m_pValueSelection) // it may be the state value let go
+        ObservableOf(m_pValueSelection)->Attach(this);
     SyncObserver(m_pStateValue, this);
     return m_pStateValue != nullptr;
 }

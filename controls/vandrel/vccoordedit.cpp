@@ -45,6 +45,10 @@ bool VCCoordEdit::bindCoordinate(const QString& path, values::IValueNumeric*& fi
     SyncObserver(field, this);
     if (field) // a value in the Removed state let go of itself in SyncObserver
         ObservableOf(field)->Attach(this);
+    // The other coordinate or the format may hold the value let go: it must still tell them.
+    for (values::IValueNumeric* other : {m_pLatitudeValue, m_pLongitudeValue, m_pFormatNumericValue})
+        if (other)
+            ObservableOf(other)->Attach(this);
     return true;
 }
 
@@ -62,6 +66,9 @@ bool VCCoordEdit::SetFormat_ValuePath(const QString& path)
 {
     DetachValue(m_pFormatNumericValue, this);
     DetachValue(m_pFormatSelection, this);
+    for (values::IValueNumeric* coordinate : {m_pLatitudeValue, m_pLongitudeValue})
+        if (coordinate) // the format number let go may be one of them
+            ObservableOf(coordinate)->Attach(this);
     m_pFormatNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     if (m_pFormatNumericValue) {
         setFormatNumber(long(m_pFormatNumericValue->GetValue()));

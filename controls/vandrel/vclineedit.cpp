@@ -181,6 +181,8 @@ bool VCLineEdit::SetText_ValuePath(const QString& path)
     DetachValue(m_pSelectionValue, this);
 
     // A value that is a number and something else binds as a number.
+    // Showing a text value writes it back: an observer of that write may delete the field.
+    const QPointer<VCLineEdit> alive(this);
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     if (m_pNumericValue) {
         SyncObserver(m_pNumericValue, this);
@@ -191,6 +193,8 @@ bool VCLineEdit::SetText_ValuePath(const QString& path)
     } else {
         return false;
     }
+    if (!alive)
+        return true;
     // The first picture of a value is not a change.
     m_bDirty = false;
     return true;
@@ -204,6 +208,7 @@ bool VCLineEdit::SetValueBase(values::ValueBase* value)
     if (!value)
         return false;
 
+    const QPointer<VCLineEdit> alive(this);
     if ((m_pNumericValue = dynamic_cast<values::IValueNumeric*>(value))) {
         ObservableOf(m_pNumericValue)->Attach(this);
         SyncObserver(m_pNumericValue, this);
@@ -216,6 +221,8 @@ bool VCLineEdit::SetValueBase(values::ValueBase* value)
     } else {
         return false;
     }
+    if (!alive)
+        return true;
     m_bDirty = false;
     return true;
 }
@@ -231,9 +238,11 @@ values::ValueBase* VCLineEdit::GetValuePtr() const
 
 bool VCLineEdit::SetText(QString text)
 {
+    // Shown before it is written: should an observer of the write delete the field, the destructor's
+    // commit then writes this text again, not the one it replaced.
+    QLineEdit::setText(text);
     if (m_pTextValue && !SurvivesWrite(this, [this, &text] { m_pTextValue->SetValue(text, this); }))
         return true;
-    QLineEdit::setText(text);
     m_bDirty = true;
     return true;
 }

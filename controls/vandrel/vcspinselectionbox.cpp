@@ -41,7 +41,7 @@ bool VCSpinSelectionBox::SetValueSelection_ValuePath(const QString& path)
 {
     m_pSelectionValue = FindAndAttach<values::ValueSelection>(path, m_pSelectionValue, this);
     if (m_pSelectionValue)
-        TakeOverItems(true);
+        TakeOverItems();
     SyncObserver(m_pSelectionValue, this);
     return m_pSelectionValue != nullptr;
 }
@@ -66,7 +66,7 @@ void VCSpinSelectionBox::Update(Observable* source, TChangeCode code)
     case ItemsChanged:
     case ItemAdded:
         setEnabled(true);
-        TakeOverItems(false);
+        TakeOverItems();
         break;
     case ItemsCleared:
         setEnabled(false);
@@ -79,7 +79,7 @@ void VCSpinSelectionBox::Update(Observable* source, TChangeCode code)
     }
 }
 
-void VCSpinSelectionBox::TakeOverItems(bool binding)
+void VCSpinSelectionBox::TakeOverItems()
 {
     // The index goes in before the new limits, so Qt may clamp it to the old ones on the way, and
     // showing the clamped index would select that item. Nothing is written meanwhile, and the index is
@@ -87,8 +87,8 @@ void VCSpinSelectionBox::TakeOverItems(bool binding)
     const QScopedValueRollback<bool> takingOver(m_bTakingOver, true);
     const int current = int(m_pSelectionValue->GetCurrentIndex());
     setValue(current);
-    if (binding)
-        setMinimum(0);
+    // Also when items come back: an empty selection's maximum of -1 pulled the minimum down with it.
+    setMinimum(0);
     setMaximum(m_pSelectionValue->GetItemCount() - 1);
     setValue(current);
     update();

@@ -82,7 +82,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    void TakeOverItems(bool binding);
+    void TakeOverItems();
 
     wchar_t m_cOrderOfMagnitude;
     values::ValueSelection* m_pSelectionValue;

@@ -41,8 +41,10 @@ void VCTextEdit::Initialize(const QString& name)
 bool VCTextEdit::SetText_ValuePath(const QString& path)
 {
     m_pTextValue = FindAndAttach<values::Value<QString>>(path, m_pTextValue, this);
+    const bool found = m_pTextValue != nullptr;
+    // Showing the text writes it back, and an observer of that write may delete the editor.
     SyncObserver(m_pTextValue, this);
-    return m_pTextValue != nullptr;
+    return found;
 }
 
 bool VCTextEdit::SetValueBase(values::ValueBase* value)
@@ -63,9 +65,11 @@ values::ValueBase* VCTextEdit::GetValuePtr() const
 
 bool VCTextEdit::SetText(const QString& text)
 {
-    if (m_pTextValue && !SurvivesWrite(this, [this, &text] { m_pTextValue->SetValue(text, this); }))
-        return true;
+    // Shown before it is written, so that a destructor's commit after an observer deleted the editor
+    // writes this text, not the one it replaced.
     QTextEdit::setText(text);
+    if (m_pTextValue)
+        m_pTextValue->SetValue(text, this);
     return true;
 }
 

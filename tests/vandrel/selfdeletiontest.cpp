@@ -218,6 +218,16 @@ const QList<Case>& cases()
          },
          [](QWidget* c) { typeAndReturn(c, QStringLiteral("new")); },
          [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); }},
+        {"line edit, text set by the application",
+         [](QWidget* w) {
+             auto* s = add(QStringLiteral("/t"), new values::StringValue(QStringLiteral("old")));
+             auto* c = new VCLineEdit(w, "l");
+             c->SetText_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, s);
+         },
+         // The destructor commits what the field shows: that must be the new text, not the old.
+         [](QWidget* c) { static_cast<VCLineEdit*>(c)->SetText(QStringLiteral("new")); },
+         [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); }},
         {"line edit, number, focus loss",
          [](QWidget* w) {
              auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));

@@ -134,6 +134,15 @@ private Q_SLOTS:
         QCOMPARE(box.text(), QStringLiteral("item7"));
         QCOMPARE(watcher.count(ValueChanged), 0);
 
+        // Bound while empty, the box keeps its lower limit for the items that come.
+        values::ValueSelection* empty = addSelection(QStringLiteral("/empty"), {});
+        VCSpinSelectionBox other(nullptr, "other");
+        QVERIFY(other.SetValueSelection_ValuePath(QStringLiteral("/empty")));
+        empty->AddItem(QStringLiteral("a"), 1, 1, nullptr);
+        empty->AddItem(QStringLiteral("b"), 2, 2, nullptr);
+        QCOMPARE(other.minimum(), 0);
+        QCOMPARE(other.maximum(), 1);
+
         // A selection that makes each new item current keeps it current.
         for (int added = 10; added < 13; ++added) {
             ten->AddItem(QStringLiteral("item%1").arg(added), added, 100 + added, nullptr);

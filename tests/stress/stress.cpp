@@ -1,0 +1,1147 @@
+// vandrel-stress: a seeded random walk over a value tree and every control, checking after each step
+// that each bound control shows its value, follows its value's state, and that no value was written
+// that the step did not ask for. Every choice comes from the seed, so a run replays exactly.
+
+#include <plinthor/coordinates.h>
+#include <plinthor/suffixeddouble.h>
+#include <vandrel/vandrel.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+#include <QElapsedTimer>
+#include <QKeySequence>
+#include <QLocale>
+
+#include <cmath>
+#include <cstdio>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <random>
+#include <set>
+
+namespace {
+
+values::Tree& tree() { return *values::Tree::Instance(); }
+
+enum Kind { Bool, Int, Int64, Text, IntNum, DblNum, Sel, MultiOne, MultiMany, Vector, KindCount };
+const char* const kKindNames[] = {"bool", "int", "int64", "text", "intnum", "dblnum", "sel", "multi1", "multi", "vector"};
+constexpr int kCells = 16;
+constexpr int kMaxControls = 14;
+
+struct Harness;
+bool unexpected(int cell);
+const bool trapUnexpected = qEnvironmentVariableIsSet("VANDREL_STRESS_TRAP");
+
+// Counts the writes a value announces; the harness compares them with what the step intended. A
+// pending number is no write: spin boxes line it up with the value whenever they are told of one.
+struct Recorder : IObserver
+{
+    void Update(Observable*, TChangeCode code) override
+    {
+        if (code == ValueChanged) {
+            ++writes;
+            // Under a debugger, stops at the very write that the step did not ask for.
+            if (trapUnexpected && unexpected(cell))
+                abort();
+        }
+    }
+    int writes = 0;
+    int cell = 0;
+};
+
+// Deletes a control when its value changes: the control may be the one whose edit made the change.
+struct Killer : IObserver
+{
+    void Update(Observable*, TChangeCode code) override;
+    Harness* harness = nullptr;
+    values::ValueBase* value = nullptr;
+    int cell = -1;
+    int control = -1;
+    bool armed = false;
+};
+
+struct Cell
+{
+    QString path;
+    Kind kind = Bool;
+    values::ValueBase* value = nullptr; // null while nothing is in the tree at the path
+    int state = Enabled;
+    std::unique_ptr<Recorder> recorder;
+    QString before; // the value's text at the start of a step
+};
+
+struct Control;
+
+// One entry per control kind: how to make it, bind it, drive it like a user, and what it must show.
+struct Driver
+{
+    const char* name;
+    int roles;                                                       // bindable values
+    std::function<QObject*(Harness&, Control&)> create;
+    std::function<bool(int role, Kind)> accepts;
+    std::function<bool(Harness&, Control&, int role, int cell)> bind; // the binding call's answer
+    std::function<void(Harness&, Control&)> input;
+    std::function<QString(Harness&, Control&)> shows; // empty when the control shows its values
+    // What a bind may write back: Echo the value's own content, Rewrite a content of the control's making.
+    std::function<int(Harness&, Control&, int cell)> echoesOnBind;
+    bool keepsBindingOnFailure = false;
+    bool distinctRoles = false; // a value bound in two roles would show in only one of them
+    bool followsItems = false; // shows the current item after a rebuild of a selection's items
+    bool itemsEnable = false; // new items enable it and clearing them disables it, whatever the state
+    bool followsState = true;
+};
+
+struct Control
+{
+    const Driver* driver = nullptr;
+    QPointer<QObject> object;
+    QPointer<QWidget> host; // the widget that holds a control that is no widget
+    int bound[2] = {-1, -1};
+    int index = 0;
+    int variant = 0;         // per driver: line edit type, spin mode, ...
+    int expectEnabled = -1;  // -1: no expectation
+    // Showing what a value held before it changed without telling it (a rebuild of items), or what a
+    // value no longer bound gave it; until the next write of a bound value.
+    bool stale = false;
+    qint64 lastUndoClickMs = -1000000;
+    bool alive() const { return object; }
+    template <class T> T* as() const { return qobject_cast<T*>(object.data()); }
+};
+
+enum BindWrites { NoWrite, Echo, Rewrite };
+
+bool isNumeric(Kind k) { return k == IntNum || k == DblNum; }
+
+struct Harness
+{
+    explicit Harness(quint64 seed)
+        : rng(seed)
+    {
+        panel.resize(900, 700);
+        sink = new QLineEdit(&panel);
+        sink->setObjectName(QStringLiteral("sink"));
+        sink->setGeometry(0, 0, 40, 20);
+        panel.show();
+        QApplication::setActiveWindow(&panel);
+        if (!QTest::qWaitForWindowActive(&panel))
+            qWarning("the panel did not become active");
+        for (int i = 0; i < kCells; ++i) {
+            cells[i].path = QStringLiteral("/stress/v%1").arg(i);
+            addValue(i, Kind(i % KindCount));
+        }
+        // Range boxes of entry fields are answered from a timer, as a user would, or the field is
+        // deleted while its box stands when the step asks for that.
+        QObject::connect(&boxCloser, &QTimer::timeout, [this] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            ++boxes;
+            if (deleteBoxOwner >= 0 && controls[size_t(deleteBoxOwner)].alive()) {
+                destroy(deleteBoxOwner);
+                deleteBoxOwner = -1;
+                if (!QApplication::activeModalWidget())
+                    return;
+            }
+            if (auto* b = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                b->done(QMessageBox::Ok);
+        });
+        boxCloser.start(5);
+        undoHistory = std::make_unique<values::UndoRecordingsToValueClient>(QStringLiteral("/"));
+    }
+    ~Harness()
+    {
+        for (size_t i = 0; i < controls.size(); ++i)
+            if (controls[i].alive())
+                destroy(int(i));
+        tree().Clear();
+        killers.clear();
+    }
+
+    // --- random choices, all from the seed ---
+    int pick(int n) { return n <= 0 ? 0 : int(std::uniform_int_distribution<int>(0, n - 1)(rng)); }
+    bool chance(double p) { return std::uniform_real_distribution<double>(0, 1)(rng) < p; }
+    double number()
+    {
+        switch (pick(5)) {
+        case 0: return pick(21) - 10;
+        case 1: return (pick(2001) - 1000) / 4.0;
+        case 2: return (pick(20001) - 10000) / 7.0;
+        case 3: return pick(1000001);
+        default: return pick(201) - 100;
+        }
+    }
+    QString word() { return QStringList{"alpha", "beta", "gamma", "", "x y", "Zurich", "42", "1e3"}[pick(8)]; }
+
+    // --- the value tree ---
+    void addValue(int s, Kind kind)
+    {
+        Cell& cell = cells[s];
+        values::ValueBase* v = nullptr;
+        switch (kind) {
+        case Bool: v = new values::BoolValue(chance(0.5)); break;
+        case Int: v = new values::IntValue(pick(100)); break;
+        case Int64: v = new values::Int64Value(pick(100000)); break;
+        case Text: v = new values::StringValue(word()); break;
+        case IntNum: v = new values::IntNumeric(pick(50), -pick(100), pick(100), 1); break;
+        case DblNum: v = new values::DoubleNumeric(pick(50) / 3.0, -pick(100) / 2.0, pick(100) / 2.0 + 0.5, 0.5); break;
+        case Sel: {
+            auto* sel = new values::ValueSelection;
+            fillSelection(sel);
+            v = sel;
+            break;
+        }
+        case MultiOne:
+        case MultiMany: {
+            auto* multi = new values::StringMultiSelection(kind == MultiOne ? 1 : 0);
+            for (unsigned k = 0; k < 4; ++k)
+                multi->AddItem(k * 3, QStringLiteral("m%1").arg(k), chance(0.4));
+            v = multi;
+            break;
+        }
+        case Vector: v = new values::CheckedStringVector({values::CheckedString(word(), true)}); break;
+        case KindCount: break;
+        }
+        cell.kind = kind;
+        cell.value = v;
+        cell.state = Enabled;
+        tree().Add(cell.path, v);
+        cell.recorder = std::make_unique<Recorder>();
+        cell.recorder->cell = s;
+        v->Attach(cell.recorder.get());
+    }
+    void fillSelection(values::ValueSelection* sel)
+    {
+        const int n = 1 + pick(5);
+        const long first = pick(3);
+        for (int i = 0; i < n; ++i)
+            sel->AddItem(QStringLiteral("item%1").arg(first + i), (first + i) * 1000.0, first + i, nullptr);
+    }
+    values::IValueNumeric* numeric(int s) const
+    {
+        return s >= 0 && cells[s].value ? dynamic_cast<values::IValueNumeric*>(cells[s].value) : nullptr;
+    }
+    values::ValueSelection* selection(int s) const
+    {
+        return s >= 0 ? dynamic_cast<values::ValueSelection*>(cells[s].value) : nullptr;
+    }
+
+    // --- controls ---
+    int create(const Driver& d)
+    {
+        Control c;
+        c.driver = &d;
+        c.variant = pick(8);
+        c.index = int(controls.size());
+        controls.push_back(c);
+        Control& ref = controls.back();
+        ref.object = d.create(*this, ref);
+        if (auto* w = qobject_cast<QWidget*>(ref.object.data())) {
+            w->move(50 + pick(700), 30 + pick(600));
+            w->show();
+        }
+        return int(controls.size()) - 1;
+    }
+    void destroy(int i)
+    {
+        Control& c = controls[size_t(i)];
+        for (int s : c.bound)
+            if (s >= 0)
+                writable.insert(s); // entry fields commit what they hold when they go
+        // Forgotten before it goes, so that a killer woken by its last commit doesn't delete it twice.
+        QObject* object = c.object.data();
+        c.object = nullptr;
+        QPointer<QWidget> host = c.host;
+        delete object;
+        delete host.data();
+        c.bound[0] = c.bound[1] = -1;
+    }
+    std::vector<int> alive() const
+    {
+        std::vector<int> out;
+        for (size_t i = 0; i < controls.size(); ++i)
+            if (controls[i].alive())
+                out.push_back(int(i));
+        return out;
+    }
+    // A cell's value lets go of every control bound to it (Removed or destroyed).
+    void unbindAll(int s)
+    {
+        for (Control& c : controls)
+            for (int role = 0; role < 2; ++role)
+                if (c.bound[role] == s)
+                    letGo(c, role);
+    }
+
+    void itemsChanged(int s, bool any)
+    {
+        for (Control& c : controls) {
+            if (c.alive() && c.driver->itemsEnable && c.bound[0] == s)
+                c.expectEnabled = any;
+            if (c.alive() && !c.driver->followsItems && (c.bound[0] == s || c.bound[1] == s))
+                c.stale = true;
+        }
+    }
+    // A role let go while another stays: the look stays that of the value let go.
+    void letGo(Control& c, int role)
+    {
+        if (c.bound[role] >= 0 && c.driver->roles == 2 && c.bound[1 - role] >= 0)
+            c.stale = true;
+        c.bound[role] = -1;
+    }
+
+    // --- user input helpers: each event goes only to a widget that still exists ---
+    void click(QWidget* w, QPoint pos = QPoint())
+    {
+        did += QStringLiteral(" click %1").arg(w->objectName());
+        QPointer<QWidget> guard(w);
+        if (pos.isNull())
+            pos = w->rect().center();
+        QTest::mousePress(w, Qt::LeftButton, Qt::NoModifier, pos);
+        if (guard)
+            QTest::mouseRelease(guard, Qt::LeftButton, Qt::NoModifier, pos);
+    }
+    void key(QWidget* w, int k, Qt::KeyboardModifiers mods = Qt::NoModifier)
+    {
+        did += QStringLiteral(" key %1").arg(QKeySequence(int(mods) | k).toString());
+        QPointer<QWidget> guard(w);
+        QTest::keyPress(w, Qt::Key(k), mods);
+        if (guard)
+            QTest::keyRelease(guard, Qt::Key(k), mods);
+    }
+    void wheel(QWidget* w, int notches)
+    {
+        did += QStringLiteral(" wheel %1").arg(notches);
+        const QPointF pos = w->rect().center();
+        QWheelEvent e(pos, w->mapToGlobal(pos.toPoint()), QPoint(), QPoint(0, 120 * notches), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(w, &e);
+    }
+    // Types over the whole text of \a w, then ends the edit with Return or by moving the focus away.
+    void type(QWidget* w, const QString& text)
+    {
+        QPointer<QWidget> guard(w);
+        w->setFocus();
+        key(w, Qt::Key_A, Qt::ControlModifier);
+        did += QStringLiteral(" type \"%1\"").arg(text);
+        if (guard)
+            QTest::keyClicks(guard, text);
+        if (guard && chance(0.5))
+            key(guard, Qt::Key_Return);
+        did += QStringLiteral(" leave");
+        sink->setFocus();
+    }
+
+    std::mt19937_64 rng;
+    QWidget panel;
+    QLineEdit* sink = nullptr;
+    QString did; // the user's actions in this step, for the log
+    std::pair<int, int> binding{-1, -1}; // the control and the value of a binding under way
+    bool spareWriters = false; // killers never delete a control bound to the value that wakes them
+    Cell cells[kCells];
+    std::deque<Control> controls;
+    std::vector<std::unique_ptr<Killer>> killers;
+    std::set<int> writable;      // cells the current step may write
+    std::set<int> echoes;        // cells the step may write with the content they hold
+    std::set<int> contentMoves;  // cells whose content the step changes without a write
+    QTimer boxCloser;
+    int boxes = 0;
+    int deleteBoxOwner = -1;
+    std::unique_ptr<values::UndoRecordingsToValueClient> undoHistory;
+    QElapsedTimer clock;
+};
+
+Harness* g_h; // the one harness, for the recorders' trap
+bool unexpected(int cell) { return !g_h->writable.count(cell) && !g_h->echoes.count(cell); }
+
+void Killer::Update(Observable*, TChangeCode code)
+{
+    if (code == ValueDestroyed) {
+        armed = false;
+        value = nullptr;
+        return;
+    }
+    if (code != ValueChanged || !armed)
+        return;
+    armed = false;
+    Control& c = harness->controls[size_t(control)];
+    const bool binding = harness->binding == std::make_pair(control, cell);
+    const bool writesAnywhere = c.driver && c.driver->roles == 0; // an undo button
+    if (harness->spareWriters && (c.bound[0] == cell || c.bound[1] == cell || binding || writesAnywhere))
+        return; // spared, also when bound after the killer was set
+    if (c.alive())
+        harness->destroy(control);
+}
+
+QString expectNear(const char* what, double shown, double held, double tolerance)
+{
+    if (std::abs(shown - held) <= tolerance)
+        return QString();
+    return QStringLiteral("%1 shows %2, value holds %3").arg(QLatin1String(what)).arg(shown, 0, 'g', 15).arg(held, 0, 'g', 15);
+}
+
+QString expectEqual(const char* what, const QString& shown, const QString& held)
+{
+    if (shown == held)
+        return QString();
+    return QStringLiteral("%1 shows \"%2\", value holds \"%3\"").arg(QLatin1String(what), shown, held);
+}
+
+int roundToInt(double x) { return qRound(qBound(double(INT_MIN), x, double(INT_MAX))); }
+int truncToInt(double x) { return int(qBound(double(INT_MIN), x, double(INT_MAX))); }
+bool nonInteger(values::IValueNumeric* n) { return n && n->GetValue() != std::trunc(n->GetValue()); }
+
+// Slider and scroll bar share everything but their conversions.
+template <class W>
+Driver sliderDriver(const char* name, int (*toPos)(double), int (*toMax)(double))
+{
+    Driver d;
+    d.name = name;
+    d.roles = 1;
+    d.accepts = [](int, Kind k) { return isNumeric(k); };
+    d.input = [](Harness& h, Control& c) {
+        auto* w = c.as<W>();
+        static const int keys[] = {Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End};
+        if (h.chance(0.3))
+            h.wheel(w, h.pick(5) - 2);
+        else
+            h.key(w, keys[h.pick(7)]);
+    };
+    d.shows = [toPos, toMax](Harness& h, Control& c) {
+        auto* w = c.as<W>();
+        auto* n = h.numeric(c.bound[0]);
+        QString e = expectNear("minimum", w->minimum(), toPos(n->GetMinimum()), 0);
+        if (e.isEmpty())
+            e = expectNear("maximum", w->maximum(), toMax(n->GetMaximum()), 0);
+        // The upper limit rounds up, so the top position may stand above the largest number the value keeps.
+        const bool top = w->value() == w->maximum() && n->GetValue() == n->GetMaximum();
+        if (e.isEmpty() && !top)
+            e = expectNear("position", w->value(), qBound(w->minimum(), toPos(n->GetValue()), w->maximum()), 0);
+        return e;
+    };
+    d.echoesOnBind = [](Harness& h, Control&, int s) { return nonInteger(h.numeric(s)) ? Rewrite : NoWrite; };
+    return d;
+}
+
+std::vector<Driver> makeDrivers()
+{
+    std::vector<Driver> ds;
+
+    { // VCButton: cycles a selection; a second value's state enables it too.
+        Driver d;
+        d.name = "VCButton";
+        d.roles = 2;
+        d.create = [](Harness& h, Control&) { return new VCButton(&h.panel, QStringLiteral("button")); };
+        d.accepts = [](int role, Kind k) { return role == 1 || k == Sel; };
+        d.followsItems = true;
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            return role == 0 ? c.as<VCButton>()->SetValueSelection_ValuePath(h.cells[s].path)
+                             : c.as<VCButton>()->SetState_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            if (h.chance(0.7))
+                h.click(c.as<VCButton>());
+            else
+                h.key(c.as<VCButton>(), Qt::Key_Space);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            if (c.bound[0] < 0)
+                return QString();
+            return expectEqual("button", c.as<VCButton>()->GetCurrentText(), h.cells[c.bound[0]].value->GetValueString());
+        };
+        ds.push_back(d);
+    }
+    { // VCCheckBox: a boolean or selection, and an item of a multi-selection.
+        Driver d;
+        d.name = "VCCheckBox";
+        d.roles = 2;
+        d.create = [](Harness& h, Control&) { return new VCCheckBox(&h.panel, "check"); };
+        d.accepts = [](int role, Kind k) { return role == 0 ? (k == Bool || k == Sel) : (k == MultiOne || k == MultiMany); };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            if (role == 0)
+                return c.as<VCCheckBox>()->Set_ValuePath(h.cells[s].path);
+            c.variant = 3 * h.pick(4);
+            return c.as<VCCheckBox>()->SetMultiSelection_ValuePath(h.cells[s].path, c.variant);
+        };
+        d.input = [](Harness& h, Control& c) { h.click(c.as<VCCheckBox>(), QPoint(8, c.as<VCCheckBox>()->height() / 2)); };
+        d.shows = [](Harness& h, Control& c) {
+            const bool checked = c.as<VCCheckBox>()->isChecked();
+            if (c.bound[0] >= 0 && c.bound[1] >= 0)
+                return QString(); // two values: the box shows whichever changed last
+            if (c.bound[0] >= 0) {
+                values::ValueBase* v = h.cells[c.bound[0]].value;
+                auto* sel = dynamic_cast<values::ValueSelection*>(v);
+                if (sel && (!sel->GetItemByKey(0) || !sel->GetItemByKey(1)))
+                    return QString(); // a click whose key the selection lacks is refused, and no one is told
+                const bool held = sel ? sel->GetCurrentKey() == 1 : static_cast<values::BoolValue*>(v)->GetValue();
+                return expectNear("check box", checked, held, 0);
+            }
+            if (c.bound[1] >= 0) {
+                auto* multi = dynamic_cast<values::IValueMultiSelection*>(h.cells[c.bound[1]].value);
+                if (multi->GetItemByKey(c.variant))
+                    return expectNear("check box (item)", checked, multi->IsItemChecked(c.variant), 0);
+            }
+            return QString();
+        };
+        ds.push_back(d);
+    }
+    { // VCCoordEdit: latitude and longitude, typed in the application's position format.
+        Driver d;
+        d.name = "VCCoordEdit";
+        d.roles = 2;
+        d.keepsBindingOnFailure = true;
+        d.distinctRoles = true;
+        d.create = [](Harness& h, Control& c) {
+            c.expectEnabled = 1; // bound to the position format from the start
+            return new VCCoordEdit(&h.panel, "coord");
+        };
+        d.accepts = [](int, Kind k) { return isNumeric(k); };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            return role == 0 ? c.as<VCCoordEdit>()->SetLatitude_ValuePath(h.cells[s].path)
+                             : c.as<VCCoordEdit>()->SetLongitude_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            // A position inside the bound limits, so that what the field shows is what the values keep.
+            auto inside = [&](int s, double limit) {
+                double lo = -limit, hi = limit;
+                if (auto* n = h.numeric(s)) {
+                    lo = std::max(lo, n->GetMinimum());
+                    hi = std::min(hi, n->GetMaximum());
+                }
+                return lo > hi ? qQNaN() : lo + (hi - lo) * h.pick(1001) / 1000.0;
+            };
+            auto* edit = c.as<VCCoordEdit>();
+            const double latitude = inside(c.bound[0], 89), longitude = inside(c.bound[1], 179);
+            if (std::isnan(latitude) || std::isnan(longitude)) { // the values would clamp what the field shows
+                h.did += QStringLiteral(" none: no position the values can hold");
+                return;
+            }
+            h.type(edit, basecontrols::CoordText::Format(latitude, longitude, edit->getFormat()));
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* edit = c.as<VCCoordEdit>();
+            for (int role = 0; role < 2; ++role) {
+                auto* n = h.numeric(c.bound[role]);
+                if (!n || std::abs(n->GetValue()) > (role ? 180 : 90))
+                    continue;
+                // An int value keeps the typed position rounded; the field shows what was typed.
+                const double tolerance = h.cells[c.bound[role]].kind == IntNum ? 0.5001 : 1e-3;
+                QString e = expectNear(role ? "longitude" : "latitude", role ? edit->getLongitude() : edit->getLatitude(),
+                                       n->GetValue(), tolerance);
+                if (!e.isEmpty())
+                    return e;
+            }
+            return QString();
+        };
+        ds.push_back(d);
+    }
+    { // VCLineEdit: numbers in four text forms, texts and selections; a few fields show range boxes.
+        Driver d;
+        d.name = "VCLineEdit";
+        d.roles = 1;
+        d.create = [](Harness& h, Control& c) {
+            static const VCLineEdit::LineEditType types[] = {VCLineEdit::PlainEdit, VCLineEdit::Frequency,
+                                                             VCLineEdit::SuffixedNumber, VCLineEdit::FrequencySuffix3};
+            auto* e = new VCLineEdit(&h.panel, "line", types[c.variant % 4]);
+            e->SuppressErrorMessage(c.variant >= 2); // a quarter of the fields show range boxes
+            return e;
+        };
+        d.accepts = [](int, Kind k) { return isNumeric(k) || k == Text || k == Sel; };
+        d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCLineEdit>()->SetText_ValuePath(h.cells[s].path); };
+        // A text is shown by writing it to the value, also the text the value gave it.
+        d.echoesOnBind = [](Harness& h, Control&, int s) { return h.cells[s].kind == Text ? Echo : NoWrite; };
+        d.input = [](Harness& h, Control& c) {
+            static const char* const units[] = {"", "k", " MHz", "M", "kHz", "G"};
+            QString text;
+            switch (h.pick(4)) {
+            case 0: text = QString::number(h.number()); break;
+            case 1: text = QString::number(h.number()) + QLatin1String(units[h.pick(6)]); break;
+            case 2: text = QStringLiteral("item%1").arg(h.pick(6)); break;
+            default: text = h.word(); break;
+            }
+            if (c.variant < 2 && h.chance(0.3) && !h.spareWriters)
+                h.deleteBoxOwner = c.index;
+            h.type(c.as<VCLineEdit>(), text);
+            h.deleteBoxOwner = -1;
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* e = c.as<VCLineEdit>();
+            const Cell& cell = h.cells[c.bound[0]];
+            if (e->isModified())
+                return QString();
+            if (cell.kind == Sel && !h.selection(c.bound[0])->GetCurrentItem())
+                return QString(); // nothing current: the field keeps its text
+            if (cell.kind == Text || cell.kind == Sel)
+                return expectEqual("line edit", e->text(), cell.value->GetValueString());
+            auto* n = h.numeric(c.bound[0]);
+            double shown = 0;
+            double relative = 1e-9;
+            if (c.variant % 4 == 0) {
+                shown = e->text().toDouble();
+                relative = 1e-5; // six significant digits
+            } else {
+                SuffixedDouble parser(c.variant % 4 == 2 ? QString() : QStringLiteral("Hz"), 1000, c.variant % 4 == 2);
+                if (!parser.SetFrequencyString(e->text()))
+                    return QStringLiteral("line edit shows \"%1\", not a number").arg(e->text());
+                shown = parser.GetValue();
+            }
+            const double tolerance = cell.kind == IntNum ? 0.5001 : relative * std::max(1.0, std::abs(n->GetValue()));
+            return expectNear("line edit", shown, n->GetValue(), tolerance);
+        };
+        ds.push_back(d);
+    }
+    { // VCNumericFloatSpin: steps go through the pending number in the optimised mode.
+        Driver d;
+        d.name = "VCNumericFloatSpin";
+        d.roles = 1;
+        d.create = [](Harness& h, Control& c) { return new VCNumericFloatSpin(&h.panel, "spin", c.variant < 2); };
+        d.accepts = [](int, Kind k) { return isNumeric(k); };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            auto* spin = c.as<VCNumericFloatSpin>();
+            return c.variant % 2 ? spin->SetNumericFloat_ValuePath(h.cells[s].path) : spin->SetNumericInt_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            QPointer<VCNumericFloatSpin> spin = c.as<VCNumericFloatSpin>();
+            switch (h.pick(3)) {
+            case 0: h.wheel(spin, h.chance(0.5) ? 1 : -1); break;
+            case 1: h.key(spin, h.chance(0.5) ? Qt::Key_Up : Qt::Key_PageDown); break;
+            default: {
+                // Typed as a user of the application's language writes numbers; what was typed must arrive.
+                QLocale locale;
+                locale.setNumberOptions(QLocale::OmitGroupSeparator);
+                const double typed = std::round(h.number() * 100) / 100;
+                auto* n = spin->isEnabled() ? h.numeric(c.bound[0]) : nullptr;
+                h.type(spin, locale.toString(typed, 'f', spin->decimals()));
+                if (n && spin && h.numeric(c.bound[0]) == n) {
+                    const double scale = std::pow(10.0, spin->decimals());
+                    // Clamped into the limits, then held in the box's decimals, which the value clamps once more.
+                    auto clamp = [n](double x) { return qBound(n->GetMinimum(), x, n->GetMaximum()); };
+                    // A half may go up or away from zero.
+                    auto up = [scale](double x) { return std::floor(x * scale + 0.5) / scale; };
+                    auto away = [scale](double x) { return std::round(x * scale) / scale; };
+                    auto fits = [&](double expected) {
+                        if (h.cells[c.bound[0]].kind == IntNum)
+                            expected = clamp(double(std::llround(expected)));
+                        return std::abs(n->GetValue() - expected) <= 1e-9 * std::max(1.0, std::abs(expected));
+                    };
+                    if (!fits(clamp(up(clamp(up(typed))))) && !fits(clamp(away(clamp(away(typed))))))
+                        throw QStringLiteral("typed %1 into #%2 (limits %3..%4), the value holds %5, the box shows \"%6\"")
+                            .arg(typed).arg(c.index).arg(n->GetMinimum()).arg(n->GetMaximum()).arg(n->GetValue())
+                            .arg(spin ? spin->text() : QString());
+                }
+                break;
+            }
+            }
+            if (c.variant < 2) // the pending number is committed 200 ms after the last step
+                QTest::qWait(230);
+            h.sink->setFocus();
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* spin = c.as<VCNumericFloatSpin>();
+            auto* n = h.numeric(c.bound[0]);
+            const double tolerance = 0.5 * std::pow(10.0, -spin->decimals()) + 1e-9;
+            if (std::abs(spin->value() - n->GetPendingValue()) <= tolerance)
+                return QString();
+            // A wheel step goes past a limit; the value keeps the limit it holds and tells no one.
+            if ((spin->value() < n->GetMinimum() && n->GetValue() == n->GetMinimum())
+                || (spin->value() > n->GetMaximum() && n->GetValue() == n->GetMaximum()))
+                return QString();
+            return expectNear("spin box", spin->value(), n->GetValue(), tolerance);
+        };
+        ds.push_back(d);
+    }
+    ds.push_back(sliderDriver<VCScrollBar>("VCScrollBar", truncToInt, [](double m) { return truncToInt(m + 0.5); }));
+    ds.back().create = [](Harness& h, Control& c) {
+        auto* w = new VCScrollBar(&h.panel, "scroll");
+        w->setOrientation(c.variant % 2 ? Qt::Horizontal : Qt::Vertical);
+        return w;
+    };
+    ds.back().bind = [](Harness& h, Control& c, int, int s) { return c.as<VCScrollBar>()->Set_ValuePath(h.cells[s].path); };
+    ds.push_back(sliderDriver<VCSlider>("VCSlider", roundToInt, roundToInt));
+    ds.back().create = [](Harness& h, Control&) { return new VCSlider(&h.panel, "slider"); };
+    ds.back().bind = [](Harness& h, Control& c, int, int s) { return c.as<VCSlider>()->SetNumeric_ValuePath(h.cells[s].path); };
+    { // VCScrollButtons: arrow buttons on a plain widget; they move an integer position.
+        Driver d;
+        d.name = "VCScrollButtons";
+        d.roles = 1;
+        d.followsState = false;
+        d.create = [](Harness& h, Control& c) {
+            c.host = new QWidget(&h.panel);
+            c.host->resize(120, 80);
+            const unsigned sides[] = {VCScrollButtons::ScrollButtonsTop, VCScrollButtons::ScrollButtonsRight};
+            return new VCScrollButtons(c.host, sides[c.variant % 2] | VCScrollButtons::ScrollButtonsLine
+                                                   | VCScrollButtons::ScrollButtonsPage);
+        };
+        d.accepts = [](int, Kind k) { return isNumeric(k); };
+        d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCScrollButtons>()->Set_ValuePath(h.cells[s].path); };
+        d.input = [](Harness& h, Control& c) {
+            auto* sb = c.as<VCScrollButtons>();
+            VCButton* buttons[] = {sb->GetMinusButton(), sb->GetPlusButton(), sb->GetMinusPageButton(), sb->GetPlusPageButton()};
+            if (VCButton* b = buttons[h.pick(4)])
+                h.click(b);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* sb = c.as<VCScrollButtons>();
+            auto* n = h.numeric(c.bound[0]);
+            QString e = expectNear("lower limit", sb->minValue(), truncToInt(n->GetMinimum()), 0);
+            if (e.isEmpty())
+                e = expectNear("upper limit", sb->maxValue(), truncToInt(n->GetMaximum() + 0.5), 0);
+            const bool top = sb->value() == sb->maxValue() && n->GetValue() == n->GetMaximum();
+            if (e.isEmpty() && !top)
+                e = expectNear("position", sb->value(), truncToInt(n->GetValue()), 0);
+            return e;
+        };
+        ds.push_back(d);
+    }
+    { // VCSpinSelectionBox: steps through a selection's items.
+        Driver d;
+        d.name = "VCSpinSelectionBox";
+        d.roles = 1;
+        d.create = [](Harness& h, Control&) { return new VCSpinSelectionBox(&h.panel, "spinsel"); };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.itemsEnable = true;
+        d.followsItems = true;
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            return c.as<VCSpinSelectionBox>()->SetValueSelection_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            auto* box = c.as<VCSpinSelectionBox>();
+            if (h.chance(0.5))
+                h.wheel(box, h.chance(0.5) ? 1 : -1);
+            else
+                h.key(box, h.chance(0.5) ? Qt::Key_Up : Qt::Key_Down);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* box = c.as<VCSpinSelectionBox>();
+            auto* sel = h.selection(c.bound[0]);
+            if (sel->GetItemCount() == 0)
+                return QString();
+            QString e = expectEqual("spin selection", box->text(), sel->GetValueString());
+            if (e.isEmpty())
+                e = expectNear("spin selection index", box->value(), sel->GetCurrentIndex(), 0);
+            return e;
+        };
+        ds.push_back(d);
+    }
+    { // VCTextEdit: writes when it loses the focus.
+        Driver d;
+        d.name = "VCTextEdit";
+        d.roles = 1;
+        d.create = [](Harness& h, Control&) { return new VCTextEdit(&h.panel); };
+        d.accepts = [](int, Kind k) { return k == Text; };
+        d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCTextEdit>()->SetText_ValuePath(h.cells[s].path); };
+        // It shows a text by writing it to the value, also the text the value gave it.
+        d.echoesOnBind = [](Harness&, Control&, int) { return Echo; };
+        d.input = [](Harness& h, Control& c) {
+            QPointer<VCTextEdit> edit = c.as<VCTextEdit>();
+            edit->setFocus();
+            h.key(edit, Qt::Key_A, Qt::ControlModifier);
+            const QString text = h.word();
+            h.did += QStringLiteral(" type \"%1\" leave").arg(text);
+            if (edit)
+                QTest::keyClicks(edit, text);
+            h.sink->setFocus();
+        };
+        d.shows = [](Harness& h, Control& c) {
+            return expectEqual("text edit", c.as<VCTextEdit>()->GetText(), h.cells[c.bound[0]].value->GetValueString());
+        };
+        ds.push_back(d);
+    }
+    { // VCUndo: undoes the newest recording of the whole tree.
+        Driver d;
+        d.name = "VCUndo";
+        d.roles = 0;
+        d.followsState = false;
+        d.create = [](Harness& h, Control&) {
+            auto* u = new VCUndo(&h.panel, "undo");
+            u->SetUndoRecordings_BasePath(QStringLiteral("/"));
+            return u;
+        };
+        d.input = [](Harness& h, Control& c) {
+            c.lastUndoClickMs = h.clock.elapsed();
+            h.click(c.as<VCUndo>()->findChild<VCButton*>());
+        };
+        d.shows = [](Harness& h, Control& c) {
+            const bool something = !h.undoHistory->GetUndoRecordingDescriptions().empty();
+            const bool enabled = c.as<VCUndo>()->findChild<VCButton*>()->isEnabled();
+            // After a click that changed nothing, a watchdog gives the button back within 5 s.
+            if (enabled == something || (!enabled && h.clock.elapsed() - c.lastUndoClickMs < 6000))
+                return QString();
+            return QStringLiteral("undo button %1 with %2 recordings")
+                .arg(enabled ? "enabled" : "disabled")
+                .arg(h.undoHistory->GetUndoRecordingDescriptions().size());
+        };
+        ds.push_back(d);
+    }
+    for (Driver& d : ds)
+        if (!d.echoesOnBind)
+            d.echoesOnBind = [](Harness&, Control&, int) { return NoWrite; };
+    return ds;
+}
+
+// One step of the walk: a random action, described for the replay log. Sets what it may write.
+QString step(Harness& h, const std::vector<Driver>& drivers)
+{
+    std::vector<int> live = h.alive();
+    const int s = h.pick(kCells);
+    Cell& cell = h.cells[s];
+    const int kind = h.pick(100);
+
+    if (live.size() < 4 || (kind < 6 && live.size() < size_t(kMaxControls))) {
+        const Driver& d = drivers[size_t(h.pick(int(drivers.size())))];
+        const int i = h.create(d);
+        return QStringLiteral("create #%1 %2 variant %3").arg(i).arg(QLatin1String(d.name)).arg(h.controls[size_t(i)].variant);
+    }
+    const int ci = live[size_t(h.pick(int(live.size())))];
+    Control& c = h.controls[size_t(ci)];
+    const QString who = QStringLiteral("#%1 %2").arg(ci).arg(QLatin1String(c.driver->name));
+
+    if (kind < 30 && c.driver->roles > 0) { // bind or rebind, to a fitting kind mostly
+        const int role = h.pick(c.driver->roles);
+        int target = s;
+        for (int tries = 0; tries < 8 && h.chance(0.8) && !(h.cells[target].value && c.driver->accepts(role, h.cells[target].kind)); ++tries)
+            target = h.pick(kCells);
+        Cell& t = h.cells[target];
+        if (c.driver->distinctRoles && c.bound[1 - role] == target)
+            return QStringLiteral("no bind");
+        const bool removedState = t.value && t.state == Removed;
+        const bool expected = t.value && c.driver->accepts(role, t.kind);
+        if (expected) {
+            const int writes = c.driver->echoesOnBind(h, c, target);
+            if (writes == Rewrite)
+                h.writable.insert(target);
+            else if (writes == Echo)
+                h.echoes.insert(target);
+        }
+        h.binding = {ci, target};
+        const bool answer = c.driver->bind(h, c, role, target);
+        h.binding = {-1, -1};
+        const QString what = QStringLiteral("bind %1 role %2 to %3 (%4%5)")
+                                 .arg(who).arg(role).arg(t.path)
+                                 .arg(QLatin1String(t.value ? kKindNames[t.kind] : "absent"))
+                                 .arg(removedState ? QStringLiteral(", removed") : QString());
+        if (removedState && expected) { // the control lets go at once
+            if (c.alive())
+                h.letGo(c, role);
+            c.expectEnabled = -1;
+            return what;
+        }
+        if (answer != expected)
+            throw QStringLiteral("%1: binding answered %2").arg(what).arg(answer);
+        if (!c.alive())
+            return what;
+        if (expected) {
+            c.bound[role] = target;
+            c.stale = false;
+            if (c.driver->followsState)
+                c.expectEnabled = t.state == Enabled || c.driver->itemsEnable;
+        } else if (!c.driver->keepsBindingOnFailure) {
+            h.letGo(c, role);
+        }
+        return what;
+    }
+    if (kind < 36) {
+        h.destroy(ci);
+        return QStringLiteral("destroy %1").arg(who);
+    }
+    if (kind < 58) { // user input; a control writes only the values it is bound to
+        for (int b : c.bound)
+            if (b >= 0)
+                h.writable.insert(b);
+        if (c.driver->roles == 0) // an undo reaches any value
+            for (int i = 0; i < kCells; ++i)
+                h.writable.insert(i);
+        h.did.clear();
+        c.driver->input(h, c);
+        return QStringLiteral("input %1:%2").arg(who, h.did);
+    }
+    if (kind < 62) { // a killer: deletes a control when the value next changes
+        if (!cell.value)
+            return QStringLiteral("no killer");
+        int target = ci;
+        auto boundHere = [&](int i) { return h.controls[size_t(i)].bound[0] == s || h.controls[size_t(i)].bound[1] == s; };
+        for (int i : live)
+            if (boundHere(i) && h.chance(0.7))
+                target = i;
+        if (h.spareWriters && boundHere(target))
+            return QStringLiteral("no killer");
+        auto k = std::make_unique<Killer>();
+        k->harness = &h;
+        k->control = target;
+        k->armed = true;
+        k->value = cell.value;
+        k->cell = s;
+        cell.value->Attach(k.get());
+        h.killers.push_back(std::move(k));
+        return QStringLiteral("killer on %1 for #%2").arg(cell.path).arg(target);
+    }
+    if (kind < 70) { // state change
+        if (!cell.value)
+            return QStringLiteral("no state change");
+        const int state = h.chance(0.1) ? Removed : (h.chance(0.5) ? Disabled : Enabled);
+        const bool changes = state != cell.state; // only a change is told
+        cell.state = state;
+        cell.value->SetState(state);
+        for (Control& other : h.controls)
+            for (int b : other.bound)
+                if (b == s && changes && other.alive() && other.driver->followsState && state != Removed)
+                    other.expectEnabled = state == Enabled;
+        if (state == Removed)
+            h.unbindAll(s);
+        return QStringLiteral("state %1 = %2").arg(cell.path).arg(state);
+    }
+    if (kind < 74) { // removal from the tree, or a new value of any kind at an empty path
+        if (cell.value) {
+            h.unbindAll(s);
+            cell.value = nullptr;
+            tree().Remove(cell.path);
+            return QStringLiteral("remove %1").arg(cell.path);
+        }
+        const Kind k = Kind(h.pick(KindCount));
+        h.addValue(s, k);
+        h.contentMoves.insert(s);
+        return QStringLiteral("add %1 (%2)").arg(cell.path).arg(QLatin1String(kKindNames[k]));
+    }
+    if (kind < 76) { // the application undoes the newest recording
+        for (int i = 0; i < kCells; ++i)
+            h.writable.insert(i);
+        h.undoHistory->ExecuteUndo(1);
+        return QStringLiteral("undo");
+    }
+    // application writes
+    if (!cell.value)
+        return QStringLiteral("no write");
+    h.writable.insert(s);
+    values::ValueBase* v = cell.value;
+    switch (cell.kind) {
+    case Bool: static_cast<values::BoolValue*>(v)->SetValue(h.chance(0.5), nullptr); break;
+    case Int: static_cast<values::IntValue*>(v)->SetValue(h.pick(1000), nullptr); break;
+    case Int64: static_cast<values::Int64Value*>(v)->SetValue(h.pick(1000) * 1000000000LL, nullptr); break;
+    case Text: static_cast<values::StringValue*>(v)->SetValue(h.word(), nullptr); break;
+    case IntNum:
+    case DblNum: {
+        auto* n = static_cast<values::NumericValueBase*>(v);
+        if (h.chance(0.25)) {
+            // An int value with a fractional limit would hold a fraction, which every echo then rounds.
+            const bool integral = cell.kind == IntNum;
+            double lo = h.number(), hi = lo + std::abs(h.number());
+            if (integral)
+                lo = std::ceil(lo), hi = std::floor(hi) + 1;
+            n->SetRange(lo, hi, integral || h.chance(0.5) ? 1 : 0.25);
+            return QStringLiteral("range %1 = %2..%3").arg(cell.path).arg(lo).arg(hi);
+        }
+        const double x = h.number();
+        n->SetValue(x, nullptr);
+        return QStringLiteral("write %1 = %2").arg(cell.path).arg(x);
+    }
+    case Sel: {
+        auto* sel = static_cast<values::ValueSelection*>(v);
+        if (h.chance(0.25)) { // a rebuild of the items is no write: the framework picks the current item
+            h.writable.erase(s);
+            h.contentMoves.insert(s);
+            sel->ClearItems(nullptr);
+            if (h.chance(0.8))
+                h.fillSelection(sel);
+            h.itemsChanged(s, sel->GetItemCount() > 0);
+            return QStringLiteral("rebuild %1 (%2 items)").arg(cell.path).arg(sel->GetItemCount());
+        }
+        if (h.chance(0.3) && sel->GetItemCount() > 0) {
+            const long key = sel->GetItemAt(sel->GetItemCount() - 1)->GetKey() + 1;
+            h.writable.erase(s);
+            sel->AddItem(QStringLiteral("item%1").arg(key), key * 1000.0, key, nullptr);
+            h.itemsChanged(s, true);
+            return QStringLiteral("add item %1 to %2").arg(key).arg(cell.path);
+        }
+        const long key = h.pick(7);
+        sel->SelectKey(key, nullptr);
+        return QStringLiteral("select %1 = %2").arg(cell.path).arg(key);
+    }
+    case MultiOne:
+    case MultiMany: {
+        auto* m = static_cast<values::StringMultiSelection*>(v);
+        const unsigned key = 3 * unsigned(h.pick(5));
+        if (h.chance(0.2)) {
+            h.writable.erase(s);
+            h.contentMoves.insert(s);
+            m->ClearItems();
+            for (unsigned k = 0; k < unsigned(h.pick(5)); ++k)
+                m->AddItem(k * 3, QStringLiteral("m%1").arg(k), h.chance(0.4));
+            h.itemsChanged(s, m->GetKeyCount() > 0);
+            return QStringLiteral("rebuild %1").arg(cell.path);
+        }
+        if (h.chance(0.2)) {
+            m->UncheckAll(nullptr);
+            return QStringLiteral("uncheck all %1").arg(cell.path);
+        }
+        const bool on = h.chance(0.5);
+        m->SetItemChecked(int(key), on, nullptr);
+        return QStringLiteral("check %1 item %2 = %3").arg(cell.path).arg(key).arg(on);
+    }
+    case Vector:
+        static_cast<values::CheckedStringVector*>(v)->SetValue({values::CheckedString(h.word(), h.chance(0.5))}, nullptr);
+        break;
+    case KindCount: break;
+    }
+    return QStringLiteral("write %1 (%2)").arg(cell.path).arg(QLatin1String(kKindNames[cell.kind]));
+}
+
+// What must hold after every step; throws the first fault found.
+void check(Harness& h)
+{
+    for (int s = 0; s < kCells; ++s) {
+        Cell& cell = h.cells[s];
+        if (!cell.value || h.writable.count(s))
+            continue;
+        if (cell.recorder->writes && !h.echoes.count(s))
+            throw QStringLiteral("%1 was written %2 times, by no one's request").arg(cell.path).arg(cell.recorder->writes);
+        if (!h.contentMoves.count(s) && cell.value->GetValueString() != cell.before)
+            throw QStringLiteral("%1 changed from \"%2\" to \"%3\" unasked").arg(cell.path, cell.before, cell.value->GetValueString());
+    }
+    for (size_t i = 0; i < h.controls.size(); ++i) {
+        Control& c = h.controls[i];
+        if (!c.alive())
+            continue;
+        for (int b : c.bound)
+            if (b >= 0 && !h.cells[b].value)
+                throw QStringLiteral("#%1 is bound to %2, which is gone").arg(i).arg(h.cells[b].path);
+        auto* w = qobject_cast<QWidget*>(c.object.data());
+        if (w && c.expectEnabled >= 0 && w->isEnabled() != bool(c.expectEnabled))
+            throw QStringLiteral("#%1 %2 is %3, its values say otherwise")
+                .arg(i).arg(QLatin1String(c.driver->name)).arg(w->isEnabled() ? "enabled" : "disabled");
+        for (int b : c.bound)
+            if (b >= 0 && h.cells[b].recorder->writes)
+                c.stale = false;
+        const bool bound = c.driver->roles == 0 || c.bound[0] >= 0 || c.bound[1] >= 0;
+        if (bound && !c.stale) {
+            const QString fault = c.driver->shows(h, c);
+            if (!fault.isEmpty())
+                throw QStringLiteral("#%1 %2: %3").arg(i).arg(QLatin1String(c.driver->name), fault);
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // a crash must not swallow the last steps printed
+    quint64 seed = std::random_device{}();
+    long long steps = 2000;
+    bool verbose = false;
+    bool spareWriters = false;
+    bool keepGoing = false; // report each failing step and go on
+    long long faults = 0;
+    std::set<QString> kinds;
+    QString locale;
+    const QStringList args = app.arguments();
+    for (int i = 1; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--steps") && i + 1 < args.size())
+            steps = args[++i].toLongLong();
+        else if (args[i] == QLatin1String("--seed") && i + 1 < args.size())
+            seed = args[++i].toULongLong();
+        else if (args[i] == QLatin1String("--locale") && i + 1 < args.size())
+            locale = args[++i];
+        else if (args[i] == QLatin1String("--keep-going"))
+            keepGoing = true;
+        else if (args[i] == QLatin1String("--spare-writers"))
+            spareWriters = true;
+        else if (args[i] == QLatin1String("--verbose"))
+            verbose = true;
+        else {
+            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--keep-going] [--verbose]\n");
+            return 2;
+        }
+    }
+    // Numbers are typed in the language the seed chose, as users of that language write them.
+    static const char* const locales[] = {"C", "de_DE", "en_US"};
+    if (locale.isEmpty())
+        locale = QLatin1String(locales[seed % 3]);
+    QLocale::setDefault(QLocale(locale));
+    std::printf("vandrel-stress --seed %llu --steps %lld --locale %s\n", (unsigned long long)seed, steps,
+                qPrintable(locale));
+    std::fflush(stdout);
+
+    const std::vector<Driver> drivers = makeDrivers();
+    Harness h(seed);
+    h.spareWriters = spareWriters;
+    g_h = &h;
+    h.clock.start();
+    std::deque<QString> log;
+    for (long long n = 1; n <= steps; ++n) {
+        h.did.clear();
+        // Timers due (a pending number's commit) land before the step, and so does the commit of a
+        // field that got the focus back from a closing message box.
+        QCoreApplication::processEvents();
+        if (!h.panel.isActiveWindow()) // a closed message box leaves no window active
+            QApplication::setActiveWindow(&h.panel);
+        if (QApplication::focusWidget() != h.sink)
+            h.sink->setFocus();
+        for (auto it = h.killers.begin(); it != h.killers.end();) {
+            if ((*it)->armed) {
+                ++it;
+                continue;
+            }
+            if ((*it)->value)
+                (*it)->value->Detach(it->get());
+            it = h.killers.erase(it);
+        }
+        h.writable.clear();
+        h.echoes.clear();
+        h.contentMoves.clear();
+        for (Cell& cell : h.cells) {
+            if (cell.recorder)
+                cell.recorder->writes = 0;
+            cell.before = cell.value ? cell.value->GetValueString() : QString();
+        }
+        QString what;
+        try {
+            what = step(h, drivers);
+            log.push_back(what);
+            if (log.size() > 40)
+                log.pop_front();
+            if (verbose)
+                std::printf("%lld: %s\n", n, qPrintable(what));
+            check(h);
+        } catch (const QString& fault) {
+            if (what.isEmpty())
+                log.push_back(QStringLiteral("(this step)%1").arg(h.did));
+            ++faults;
+            // Going on, a fault of a kind already told (numbers aside) is only counted: a control
+            // that shows the wrong thing goes on showing it step after step.
+            QString kind = fault;
+            kind.replace(QRegularExpression(QStringLiteral("[-0-9.]+")), QStringLiteral("#"));
+            if (keepGoing && !kinds.insert(kind).second)
+                continue;
+            std::printf("FAILED at step %lld: %s\nlast steps:\n", n, qPrintable(fault));
+            long long first = n - (long long)log.size() + 1;
+            for (const QString& line : log)
+                std::printf("  %lld: %s\n", first++, qPrintable(line));
+            std::printf("replay: vandrel-stress --seed %llu --steps %lld --locale %s%s --verbose\n", (unsigned long long)seed,
+                        n, qPrintable(locale), spareWriters ? " --spare-writers" : "");
+            std::fflush(stdout);
+            if (!keepGoing)
+                return 1;
+            log.clear();
+        }
+        if (keepGoing && n % 10000 == 0) {
+            std::printf("%lld steps, %lld failed, %zu kinds of fault\n", n, faults, kinds.size());
+            std::fflush(stdout);
+        }
+    }
+    if (faults) {
+        std::printf("%lld steps, %lld of them failed\n", steps, faults);
+        return 1;
+    }
+    std::printf("%lld steps held (%d range boxes answered)\n", steps, h.boxes);
+    return 0;
+}
