@@ -17,7 +17,10 @@ fi
 bash scripts/deps.sh --fuzz
 
 launcher=()
-command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
+fi
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DVANDREL_BUILD_FUZZ=ON -DVANDREL_WERROR=ON \
     -DVANDREL_BUILD_TESTS=OFF -DVANDREL_BUILD_GALLERY=OFF "${launcher[@]}" >/dev/null
 cmake --build build-fuzz -j"$(nproc)" --target "${targets[@]/#/fuzz_}"

@@ -32,9 +32,16 @@ fi
 bash scripts/deps.sh "${deps[@]}"
 
 jobs=$(nproc)
+# A compiler cache, when the machine has one, makes a second build of the same sources (another checkout
+# included) cheap; paths are taken relative to the checkout so that clones share it.
+launcher=()
+if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
+fi
 if [ $sanitize -eq 1 ]; then
     build=build$suffix-asan
-    cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DCMAKE_BUILD_TYPE=Debug -DVANDREL_WERROR=ON \
+    cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DCMAKE_BUILD_TYPE=Debug -DVANDREL_WERROR=ON "${launcher[@]}" \
         -DECM_ENABLE_SANITIZERS='address;undefined' \
         -DCMAKE_CXX_FLAGS="-fno-sanitize-recover=undefined -fno-omit-frame-pointer -O1" >/dev/null
     # Full stacks on malloc so that the suppressions can see which library allocated.
@@ -45,7 +52,7 @@ else
     build=build$suffix
     # The locale run reuses the normal build; configure only a fresh one.
     [ -n "$locale" ] && [ -f "$build/CMakeCache.txt" ] ||
-        cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DVANDREL_WERROR=ON -DVANDREL_BUILD_TESTS=ON >/dev/null
+        cmake -S . -B "$build" -DQT_MAJOR_VERSION=$qt -DVANDREL_WERROR=ON -DVANDREL_BUILD_TESTS=ON "${launcher[@]}" >/dev/null
 fi
 cmake --build "$build" -j"$jobs"
 cd "$build"
