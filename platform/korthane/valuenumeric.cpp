@@ -2,6 +2,8 @@
 
 #include <brevanbase/errorhandler.h>
 
+#include <cmath>
+
 namespace values {
 
 namespace {
@@ -42,10 +44,19 @@ NumericValueBase::~NumericValueBase()
 
 double NumericValueBase::fit(double value) const
 {
-    if (m_bIntegral)
-        value = double(roundHalfUp(qBound(double(std::numeric_limits<qint64>::min() / 2), value,
-                                          double(std::numeric_limits<qint64>::max() / 2))));
-    return qBound(m_fMinimum, value, m_fMaximum);
+    const double clamped = qBound(m_fMinimum, value, m_fMaximum);
+    if (!m_bIntegral)
+        return clamped;
+    // An integer value keeps whole numbers also within limits that are not (SetRange takes doubles):
+    // rounded, then moved to the nearest whole number inside, so that a second fit changes nothing.
+    double whole = double(roundHalfUp(qBound(double(std::numeric_limits<qint64>::min() / 2), clamped,
+                                             double(std::numeric_limits<qint64>::max() / 2))));
+    if (whole > m_fMaximum)
+        whole = std::floor(m_fMaximum);
+    if (whole < m_fMinimum)
+        whole = std::ceil(m_fMinimum);
+    // Limits with no whole number between them leave nothing better than the clamped number.
+    return whole >= m_fMinimum && whole <= m_fMaximum ? whole : clamped;
 }
 
 bool NumericValueBase::SetValue(double value, IObserver* originator)

@@ -184,28 +184,38 @@ private Q_SLOTS:
         QTest::addColumn<bool>("integral");
         QTest::addColumn<double>("written");
         QTest::addColumn<double>("stored");
-        QTest::newRow("inside") << false << 2.5 << 2.5;
-        QTest::newRow("below") << false << -3.0 << -1.0;
-        QTest::newRow("above") << false << 99.0 << 10.0;
-        QTest::newRow("infinity") << false << std::numeric_limits<double>::infinity() << 10.0;
-        QTest::newRow("int rounds half up") << true << 2.5 << 3.0;
-        QTest::newRow("int rounds negative") << true << -0.5 << 0.0;
-        QTest::newRow("int clamps") << true << 1e12 << 10.0;
+        QTest::addColumn<bool>("fractionalLimits");
+        QTest::newRow("inside") << false << 2.5 << 2.5 << false;
+        QTest::newRow("below") << false << -3.0 << -1.0 << false;
+        QTest::newRow("above") << false << 99.0 << 10.0 << false;
+        QTest::newRow("infinity") << false << std::numeric_limits<double>::infinity() << 10.0 << false;
+        QTest::newRow("int rounds half up") << true << 2.5 << 3.0 << false;
+        QTest::newRow("int rounds negative") << true << -0.5 << 0.0 << false;
+        QTest::newRow("int clamps") << true << 1e12 << 10.0 << false;
+        // Limits of -1.5 and 9.5 (set through the double interface): whole numbers inside them.
+        QTest::newRow("int below a fractional minimum") << true << -9.0 << -1.0 << true;
+        QTest::newRow("int above a fractional maximum") << true << 99.0 << 9.0 << true;
     }
     void numericClamping()
     {
         QFETCH(bool, integral);
         QFETCH(double, written);
         QFETCH(double, stored);
+        QFETCH(bool, fractionalLimits);
         std::unique_ptr<values::NumericValueBase> value;
         if (integral)
             value = std::make_unique<values::IntNumeric>(0, -1, 10, 1);
         else
             value = std::make_unique<values::DoubleNumeric>(0.0, -1.0, 10.0, 0.5);
+        if (fractionalLimits)
+            QVERIFY(value->SetRange(-1.5, 9.5, 1, nullptr));
         QVERIFY(value->SetValue(written, nullptr));
         QCOMPARE(value->GetValue(), stored);
         QVERIFY(value->SetPendingValue(written, nullptr));
         QCOMPARE(value->GetPendingValue(), stored);
+        // What is held is already fitted: writing it again tells nobody and changes nothing.
+        QVERIFY(value->SetValue(value->GetValue(), nullptr));
+        QCOMPARE(value->GetValue(), stored);
     }
 
     void numericNotifications()
