@@ -115,6 +115,7 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
     , m_strStyleEdited(QStringLiteral("QLineEdit{ color: gray; background-color: white }"))
     , m_bDirty(false)
     , m_strName(QString::fromUtf8(name))
+    , m_pHeldWrites(new HeldWrites)
 {
     setObjectName(m_strName);
     connect(&Plinthor::Instance(), SIGNAL(endEdit(QWidget*)), this, SLOT(onForceFinishEdit(QWidget*)));
@@ -420,7 +421,18 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
 
 void VCLineEdit::SetTextFromControl()
 {
+    // Qt's editingFinished() comes from inside its key and focus handling, which goes on using the
+    // field afterwards: a commit whose write may delete the field waits until that handling is over.
+    if (m_pHeldWrites->Holding()) {
+        m_pHeldWrites->Write([this] { commit(); });
+        return;
+    }
     commit();
+}
+
+bool VCLineEdit::event(QEvent* event)
+{
+    return m_pHeldWrites->Deliver(this, [this, event] { return QLineEdit::event(event); });
 }
 
 // The commit; false when an observer of the write, or the application during the range box, deleted

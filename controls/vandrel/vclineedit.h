@@ -11,6 +11,7 @@
 
 class SuffixedDouble;
 class TimeToAxisString;
+class HeldWrites;
 
 /**
  * \brief A single-line entry field bound to a text (values::Value<QString>), a number
@@ -150,6 +151,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// Ignores key releases: no commit hangs on them.
     void keyReleaseEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     void AddSuffix(QString& text);
@@ -181,5 +183,6 @@ private:
     bool m_bDirty;
     QString m_strName;
     bool m_bDestroying = false; // committing from the destructor
+    std::unique_ptr<HeldWrites> m_pHeldWrites; // commits wait for Qt's own key and focus handling
     bool m_bFollowingValue = false; // showing a text value's change, so an echo of it is not answered
 };

@@ -22,9 +22,10 @@ values::Tree& tree()
 class Closer : public IObserver
 {
 public:
-    Closer(Observable* watched, QObject* victim)
+    Closer(Observable* watched, QObject* victim, int spared)
         : m_watched(watched)
         , m_victim(victim)
+        , m_nSpared(spared)
     {
         m_watched->Attach(this);
     }
@@ -37,7 +38,7 @@ public:
     {
         if (code == ValueDestroyed)
             m_watched = nullptr;
-        if ((code == ValueChanged || code == PendingValueChanged) && m_victim) {
+        if ((code == ValueChanged || code == PendingValueChanged) && m_victim && m_nSpared-- <= 0) {
             ++closed;
             // Taken first: a field commits from its destructor, which notifies once more.
             delete std::exchange(m_victim, nullptr).data();
@@ -48,6 +49,7 @@ public:
 private:
     Observable* m_watched;
     QPointer<QObject> m_victim;
+    int m_nSpared; // changes to let pass before closing
 };
 
 struct Case
@@ -60,6 +62,8 @@ struct Case
     std::function<void(QWidget*)> act;
     // What the value holds after the write.
     std::function<bool()> wrote;
+    // Changes of the value that the closer lets pass first.
+    int spared = 0;
 };
 
 values::ValueSelection* addSelection(const QString& path, int count, long current)
@@ -228,6 +232,17 @@ const QList<Case>& cases()
          // The destructor commits what the field shows: that must be the new text, not the old.
          [](QWidget* c) { static_cast<VCLineEdit*>(c)->SetText(QStringLiteral("new")); },
          [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); }},
+        {"line edit, text, focus loss, deleted by the second commit",
+         [](QWidget* w) {
+             auto* s = add(QStringLiteral("/t"), new values::StringValue(QStringLiteral("old")));
+             auto* c = new VCLineEdit(w, "l");
+             c->SetText_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, s);
+         },
+         // The first commit and its echo pass; Qt's editingFinished() brings the second commit.
+         [](QWidget* c) { typeAndLeave(c, QStringLiteral("new")); },
+         [] { return valueAt<values::StringValue>("/t")->GetValue() == QLatin1String("new"); },
+         2},
         {"line edit, number, focus loss",
          [](QWidget* w) {
              auto* n = add(QStringLiteral("/d"), new values::DoubleNumeric(5, 0, 10, 1));
@@ -336,13 +351,19 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(&window));
         QVERIFY(target->isEnabled());
 
-        Closer closer(made.second, control);
+        Closer closer(made.second, control, c.spared);
         c.act(target);
         QTRY_VERIFY(closer.closed > 0);
         QVERIFY(control.isNull());
         QVERIFY(c.wrote());
-        // Events still queued for the control must find nothing of it.
+        // Events still queued for the control must find nothing of it, and Qt must not hold it as its
+        // focus widget: the focus moves on as usual.
         QTest::qWait(250);
+        auto* next = new QLineEdit(&window);
+        next->show();
+        next->setFocus();
+        elsewhere->setFocus();
+        QCOMPARE(QApplication::focusWidget(), elsewhere);
     }
 };
 
