@@ -383,6 +383,9 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
     if (code != ValueChanged)
         return;
 
+    // Showing a value may write it back, and an observer of that write may delete the field: one
+    // watch serves every step below.
+    const QPointer<VCLineEdit> alive(this);
     bool shown = false;
     if (m_pTextValue && source == ObservableOf(m_pTextValue)) {
         if (m_bFollowingValue) {
@@ -392,21 +395,23 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
         } else {
             // Not a rollback: the field may not outlive the answer it writes.
             m_bFollowingValue = true;
-            if (!SurvivesWrite(this, [this] { SetText(m_pTextValue->GetValue()); }))
+            SetText(m_pTextValue->GetValue());
+            if (!alive)
                 return;
             m_bFollowingValue = false;
         }
         shown = true;
     }
     if (m_pNumericValue && source == ObservableOf(m_pNumericValue)) {
-        if (!SurvivesWrite(this, [this] { SetNumeric(m_pNumericValue->GetValue()); }))
+        SetNumeric(m_pNumericValue->GetValue());
+        if (!alive)
             return;
         shown = true;
     }
     if (m_pSelectionValue && source == ObservableOf(m_pSelectionValue)) {
         if (values::SelectionItem* item = m_pSelectionValue->GetCurrentItem()) {
-            const QString name = item->GetName();
-            if (!SurvivesWrite(this, [this, &name] { SetText(name); }))
+            SetText(item->GetName());
+            if (!alive)
                 return;
             shown = true;
         }
