@@ -60,11 +60,13 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos, bool fro
 
     if (!strPrefix.isEmpty() || !strSuffix.isEmpty()) {
         // Prefix and suffix go in unescaped: an application may give them as expressions.
-        const QRegularExpression expression(QLatin1String("^(?:") + strPrefix
-                                            + QLatin1String(")?(?<inputForDoubleValidator>.*?)(?:") + strSuffix
-                                            + QLatin1String(")?$"));
+        const QString pattern = QLatin1String("^(?:") + strPrefix + QLatin1String(")?(?<inputForDoubleValidator>.*?)(?:")
+                                + strSuffix + QLatin1String(")?$");
+        // Compiled once per prefix and suffix, not on every key.
+        if (m_affixExpression.pattern() != pattern)
+            m_affixExpression.setPattern(pattern);
         const QRegularExpressionMatch match =
-            expression.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
+            m_affixExpression.match(text, 0, QRegularExpression::PartialPreferCompleteMatch);
         if (!match.hasMatch())
             return (text.isEmpty() || match.hasPartialMatch()) ? QValidator::Intermediate : QValidator::Invalid;
         text = match.captured(QStringLiteral("inputForDoubleValidator")).trimmed();

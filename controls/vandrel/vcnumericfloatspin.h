@@ -6,6 +6,7 @@
 #include <values/values.h>
 
 #include <QDoubleSpinBox>
+#include <QRegularExpression>
 
 #include <memory>
 
@@ -163,5 +164,6 @@ private:
     bool m_bDirtyByUser;
     bool m_bShowsPending;
     bool m_bStepDisabled;
+    mutable QRegularExpression m_affixExpression; // the validator's reading of prefix and suffix
     std::unique_ptr<HeldWrites> m_pHeldWrites; // writes wait for the spin box's own event handling
 };
