@@ -84,13 +84,17 @@ void checkRoundTrip(CoordFormat format, double latitude, double longitude, const
 
 void typeIntoEditor(CoordFormat format, const QString& text, const QString& context)
 {
-    CoordEdit edit;
+    // One editor for the whole run, set anew for each input: building one costs more than the input.
+    static CoordEdit& edit = *new CoordEdit;
+    static bool edited = false;
+    static const auto connection = QObject::connect(&edit, &CoordEdit::positionEdited, [] { edited = true; });
+    Q_UNUSED(connection)
+    edit.setModified(false);
     edit.setFormat(format);
     edit.setLatitude(kStartLatitude);
     edit.setLongitude(kStartLongitude);
     const QString before = edit.text();
-    bool edited = false;
-    QObject::connect(&edit, &CoordEdit::positionEdited, [&edited] { edited = true; });
+    edited = false;
     edit.setText(text);
     edit.setModified(true);
     // What the field holds, which a long text has been cut to.

@@ -68,12 +68,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     values::DoubleNumeric* value = level();
     value->SetValue(kStart, nullptr);
 
-    // One box for the whole run, all of its settings made anew for each input: building a spin box
-    // costs more than the rest of an input.
-    static VCNumericFloatSpin& spin = *new VCNumericFloatSpin(nullptr, "fuzz");
-    // The box's own locale, the application's staying C: the box shows and reads in its own.
-    spin.setLocale(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::c());
-    spin.setDecimals(decimals);
+    // One box per setting for the whole run: building a spin box, and setting its decimals, costs more
+    // than the rest of an input (Qt writes out the box's whole range, +-DBL_MAX, in full).
+    static VCNumericFloatSpin* boxes[16] = {};
+    if (!boxes[setting]) {
+        boxes[setting] = new VCNumericFloatSpin(nullptr, "fuzz");
+        // The box's own locale, the application's staying C: the box shows and reads in its own.
+        boxes[setting]->setLocale(german ? QLocale(QLocale::German, QLocale::Germany) : QLocale::c());
+        boxes[setting]->setDecimals(decimals);
+    }
+    VCNumericFloatSpin& spin = *boxes[setting];
     spin.setPrefix(QString::fromLatin1(affixes.prefix));
     spin.setSuffix(QString::fromLatin1(affixes.suffix));
     // Scaled, the box counts in thousandths of the value and shows the value's number again.
@@ -116,7 +120,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
         // Committed again, the shown text may round the value to the decimals shown (the display
         // of a scaled box has fewer than the box itself); a third commit changes nothing.
-        auto commitShown = [value] {
+        auto commitShown = [value, &spin] {
             spin.findChild<QLineEdit*>()->setText(spin.text());
             spin.interpretText();
             spin.SlotEditingFinished();
@@ -129,5 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         FUZZ_CHECK(std::fabs(second - written) <= halfStep + std::fabs(written) * 1e-12, againContext);
         FUZZ_CHECK(fuzz::sameNumber(third, second), againContext);
     }
+    // The other boxes need not follow the value meanwhile.
+    spin.SetNumericValue(nullptr);
     return 0;
 }
