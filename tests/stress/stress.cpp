@@ -228,6 +228,14 @@ struct Harness
     {
         return s >= 0 && cells[s].value ? dynamic_cast<values::IValueNumeric*>(cells[s].value) : nullptr;
     }
+    // A slider or scroll bar on the cell shows a number as a whole one and writes that back.
+    bool wholeNumberEcho(int s) const
+    {
+        for (const Control& c : controls)
+            if (c.alive() && (c.as<VCSlider>() || c.as<VCScrollBar>()) && c.bound[0] == s && c.as<QWidget>()->isEnabled())
+                return true;
+        return false;
+    }
     values::ValueSelection* selection(int s) const
     {
         return s >= 0 ? dynamic_cast<values::ValueSelection*>(cells[s].value) : nullptr;
@@ -631,7 +639,13 @@ std::vector<Driver> makeDrivers()
                             expected = clamp(double(std::llround(expected)));
                         return std::abs(n->GetValue() - expected) <= 1e-9 * std::max(1.0, std::abs(expected));
                     };
-                    if (!fits(clamp(up(clamp(up(typed))))) && !fits(clamp(away(clamp(away(typed))))))
+                    // A slider on the value takes the number's fraction away as it shows it.
+                    auto whole = [&](double expected) {
+                        return h.wholeNumberEcho(c.bound[0]) && n->GetValue() == std::trunc(n->GetValue())
+                            && std::abs(n->GetValue() - expected) < 1.0;
+                    };
+                    const double expectUp = clamp(up(clamp(up(typed)))), expectAway = clamp(away(clamp(away(typed))));
+                    if (!fits(expectUp) && !fits(expectAway) && !whole(expectUp))
                         throw QStringLiteral("typed %1 into #%2 (limits %3..%4), the value holds %5, the box shows \"%6\"")
                             .arg(typed).arg(c.index).arg(n->GetMinimum()).arg(n->GetMaximum()).arg(n->GetValue())
                             .arg(spin ? spin->text() : QString());
