@@ -663,10 +663,14 @@ std::vector<Driver> makeDrivers()
             const double tolerance = 0.5 * std::pow(10.0, -spin->decimals()) + 1e-9;
             if (std::abs(spin->value() - n->GetPendingValue()) <= tolerance)
                 return QString();
-            // A wheel step goes past a limit; the value keeps the limit it holds and tells no one.
+            // A wheel step goes past a limit; the value keeps the limit it holds and tells no one, so
+            // the box goes on showing its own number, also once new limits would take it, until the
+            // value next changes.
             if ((spin->value() < n->GetMinimum() && n->GetValue() == n->GetMinimum())
-                || (spin->value() > n->GetMaximum() && n->GetValue() == n->GetMaximum()))
+                || (spin->value() > n->GetMaximum() && n->GetValue() == n->GetMaximum())) {
+                c.stale = true;
                 return QString();
+            }
             return expectNear("spin box", spin->value(), n->GetValue(), tolerance);
         };
         ds.push_back(d);
