@@ -162,7 +162,10 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
 
 VCLineEdit::~VCLineEdit()
 {
-    if (!QCoreApplication::closingDown() && isVisible()) {
+    // An edit the user left is committed; a text that only missed the value's newest change would
+    // write the old content back over it.
+    const bool stale = !isModified() && (m_pTextValue || m_pNumericValue || m_pSelectionValue) && heldNow() != m_strHeldSeen;
+    if (!QCoreApplication::closingDown() && isVisible() && !stale) {
         // The parent may be half destroyed already: a range box shown now must not run an event loop.
         const QScopedValueRollback<bool> destroying(m_bDestroying, true);
         commit();
@@ -417,6 +420,7 @@ void VCLineEdit::Update(Observable* source, TChangeCode code)
         }
     }
     if (shown) {
+        m_strHeldSeen = heldNow();
         // A value change during a select-all keeps the whole text selected.
         if (wholeTextSelected)
             selectAll();
@@ -456,7 +460,10 @@ bool VCLineEdit::commit()
         if (!SurvivesWrite(this, [this] { Update(ObservableOf(m_pTextValue), ValueChanged); }))
             return false;
     } else if (m_pNumericValue) {
-        return checkRangeAndWrite();
+        if (!checkRangeAndWrite())
+            return false;
+        m_strHeldSeen = heldNow();
+        return true;
     } else if (m_pSelectionValue) {
         if (!SurvivesWrite(this, [this] { m_pSelectionValue->SetValueFromText(GetText(), this); }))
             return false;
@@ -477,7 +484,19 @@ bool VCLineEdit::commit()
 
     m_bInCommit = false;
     m_bDirty = true;
+    m_strHeldSeen = heldNow();
     return true;
+}
+
+QString VCLineEdit::heldNow() const
+{
+    if (m_pTextValue)
+        return m_pTextValue->GetValueString();
+    if (m_pNumericValue)
+        return ValueBaseOf(m_pNumericValue)->GetValueString();
+    if (m_pSelectionValue)
+        return m_pSelectionValue->GetValueString();
+    return QString();
 }
 
 bool VCLineEdit::checkRangeAndWrite()

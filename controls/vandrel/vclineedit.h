@@ -157,6 +157,7 @@ private:
     void AddSuffix(QString& text);
     double GetNumericFromSuffixedText();
     bool commit();
+    QString heldNow() const;
     bool checkRangeAndWrite();
     bool reportRange(const QString& title, const QString& message, double setTo, double minimum, double maximum);
     QString rangeNumber(double number) const;
@@ -185,4 +186,7 @@ private:
     bool m_bDestroying = false; // committing from the destructor
     std::unique_ptr<HeldWrites> m_pHeldWrites; // commits wait for Qt's own key and focus handling
     bool m_bFollowingValue = false; // showing a text value's change, so an echo of it is not answered
+    // The bound value's content as the field last showed or wrote it: a field deleted while its value
+    // notifies a change has not shown that change yet, and its text is no edit to commit.
+    QString m_strHeldSeen;
 };

@@ -13,6 +13,7 @@
 #include <QtTest>
 
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -560,6 +561,30 @@ private Q_SLOTS:
             hidden.setText(QStringLiteral("lost"));
         }
         QCOMPARE(text->GetValue(), QStringLiteral("pending"));
+    }
+
+    // Deleted by an observer told of a change before the field: the field never showed that change,
+    // and writing its old text from the destructor would undo it.
+    void deletedWhileItsValueNotifies()
+    {
+        struct Deleter : IObserver
+        {
+            void Update(Observable*, TChangeCode code) override
+            {
+                if (code == ValueChanged) // taken first: the destructor may write once more
+                    delete std::exchange(victim, nullptr).data();
+            }
+            QPointer<QWidget> victim;
+        } deleter;
+        auto* number = addNumber(3.0, 0.0, 10.0);
+        number->Attach(&deleter);
+        Panel p;
+        QVERIFY(p.field->SetText_ValuePath(kPath));
+        deleter.victim = p.field;
+        number->SetValue(7.0, nullptr);
+        QVERIFY(!deleter.victim);
+        QCOMPARE(number->GetValue(), 7.0);
+        number->Detach(&deleter);
     }
 };
 
