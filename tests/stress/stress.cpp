@@ -430,6 +430,10 @@ Driver sliderDriver(const char* name, int (*toPos)(double), int (*toMax)(double)
             e = expectNear("maximum", w->maximum(), toMax(n->GetMaximum()), 0);
         // The upper limit rounds up, so the top position may stand above the largest number the value keeps.
         const bool top = w->value() == w->maximum() && n->GetValue() == n->GetMaximum();
+        // The value kept its limit and told no one: the control shows its own top position until the
+        // value next changes, also once new limits would take that position.
+        if (top && w->value() != toPos(n->GetValue()))
+            c.stale = true;
         if (e.isEmpty() && !top)
             e = expectNear("position", w->value(), qBound(w->minimum(), toPos(n->GetValue()), w->maximum()), 0);
         return e;
@@ -600,7 +604,8 @@ std::vector<Driver> makeDrivers()
                     return QStringLiteral("line edit shows \"%1\", not a number").arg(e->text());
                 shown = parser.GetValue();
             }
-            const double tolerance = cell.kind == IntNum ? 0.5001 : relative * std::max(1.0, std::abs(n->GetValue()));
+            // A plain field shows six digits also of a whole number (1354514 as 1.35451e+06).
+            const double tolerance = std::max(cell.kind == IntNum ? 0.5001 : 0.0, relative * std::max(1.0, std::abs(n->GetValue())));
             return expectNear("line edit", shown, n->GetValue(), tolerance);
         };
         ds.push_back(d);
