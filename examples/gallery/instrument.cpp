@@ -2,6 +2,7 @@
 
 #include <values/values.h>
 
+#include <QDateTime>
 #include <QtMath>
 
 #include <cmath>
@@ -43,11 +44,29 @@ values::ValueSelection* makeBandwidths()
     return selection;
 }
 
+// The moment the instrument was switched on, in whole seconds: the start of its acquisition.
+qint64 switchedOnUs()
+{
+    static const qint64 us = QDateTime::currentSecsSinceEpoch() * 1000000;
+    return us;
+}
+
+values::ValueBase* makeText(const char* text)
+{
+    return new values::StringValue(QString::fromLatin1(text));
+}
+
 const std::vector<ValueRecipe>& recipes()
 {
-    // Kept in path order, so that paths() needs no sorting.
+    // Kept in path order, so that paths() needs no sorting. A result is a branch of a name, a number,
+    // its unit and a flag that marks the number invalid.
     static const std::vector<ValueRecipe> list = {
+        {"/receiver/acquisition/length", [] { return new values::Int64Value(0); }},
+        {"/receiver/acquisition/start", [] { return new values::Int64Value(switchedOnUs()); }},
         {"/receiver/agc", [] { return makeSelection({"Slow", "Fast"}); }},
+        {"/receiver/alarms/overload", [] { return new values::BoolValue(false); }},
+        {"/receiver/alarms/record", [] { return new values::BoolValue(false); }},
+        {"/receiver/alarms/status", [] { return new values::IntValue(0); }},
         {"/receiver/attenuator", [] { return new values::BoolValue(false); }},
         {"/receiver/bandwidth", makeBandwidths},
         {"/receiver/carrier", [] { return new values::BoolValue(false); }},
@@ -65,7 +84,24 @@ const std::vector<ValueRecipe>& recipes()
              options->SetNoneEntry(true, QStringLiteral("none"));
              return options;
          }},
+        {"/receiver/results/bandwidth/INVALID", [] { return new values::BoolValue(false); }},
+        {"/receiver/results/bandwidth/NAME", [] { return makeText("Bandwidth"); }},
+        {"/receiver/results/bandwidth/UNIT", [] { return makeText("kHz"); }},
+        {"/receiver/results/bandwidth/VALUE", [] { return new values::DoubleNumeric(6.0, 0.0, 100.0); }},
+        {"/receiver/results/fieldstrength/INVALID", [] { return new values::BoolValue(true); }},
+        {"/receiver/results/fieldstrength/NAME", [] { return makeText("Field Strength"); }},
+        {"/receiver/results/fieldstrength/UNIT", [] { return makeText("dBuV/m"); }},
+        {"/receiver/results/fieldstrength/VALUE", [] { return new values::DoubleNumeric(0.0, -50.0, 150.0); }},
+        {"/receiver/results/level/INVALID", [] { return new values::BoolValue(false); }},
+        {"/receiver/results/level/NAME", [] { return makeText("Level"); }},
+        {"/receiver/results/level/UNIT", [] { return makeText("dBm"); }},
+        {"/receiver/results/level/VALUE", [] { return new values::DoubleNumeric(-121.0, -130.0, 0.0); }},
+        {"/receiver/results/offset/INVALID", [] { return new values::BoolValue(true); }},
+        {"/receiver/results/offset/NAME", [] { return makeText("Offset"); }},
+        {"/receiver/results/offset/UNIT", [] { return makeText("kHz"); }},
+        {"/receiver/results/offset/VALUE", [] { return new values::DoubleNumeric(0.0, -100.0, 100.0); }},
         {"/receiver/scan/active", [] { return new values::BoolValue(true); }},
+        {"/receiver/scan/found", [] { return new values::DoubleNumeric(0.0, 0.0, 30000.0); }},
         {"/receiver/scan/from", [] { return new values::DoubleNumeric(7000.0, 100.0, 30000.0, 1.0); }},
         {"/receiver/scan/hold", [] { return new values::IntNumeric(2, 0, 10, 1); }},
         {"/receiver/scan/position", [] { return new values::IntNumeric(0, 0, 100, 1); }},
@@ -98,6 +134,10 @@ const Station kStations[] = {
     {7195.0, -47.0, 8.0, 7.7},
     {7255.0, -71.0, 5.0, 4.1},
 };
+
+// Antenna factor of the simulated whip, and the level above which the front end overloads.
+constexpr double kAntennaFactorDb = 20.0;
+constexpr double kOverloadDbm = -50.0;
 
 template <class T>
 T* find(const char* path)
@@ -162,6 +202,7 @@ void Instrument::setSeed(quint32 seed)
     m_nSteps = 0;
     m_nHoldSteps = 0;
     m_bSkipping = false;
+    m_bFoundNoted = false;
     rememberDial();
 }
 
@@ -292,8 +333,55 @@ void Instrument::step()
         m_bSkipping = m_nHoldSteps == 0;
     }
 
+    updateResults(tuned, level, carrier, scanning);
     rememberDial();
     Q_EMIT stepped(m_nSteps);
+}
+
+void Instrument::updateResults(double tunedKHz, double level, bool carrier, bool scanning)
+{
+    // Each value is written only when it changes, as a real instrument's driver would.
+    auto setNumber = [](const char* path, double x) {
+        auto* value = find<values::DoubleNumeric>(path);
+        if (value && value->GetValue() != x)
+            value->SetValue(x, nullptr);
+    };
+    auto setBool = [](const char* path, bool b) {
+        auto* value = find<values::BoolValue>(path);
+        if (value && value->GetValue() != b)
+            value->SetValue(b, nullptr);
+    };
+    setNumber("/receiver/results/level/VALUE", level);
+    setNumber("/receiver/results/bandwidth/VALUE", bandwidthKHz(find<values::ValueSelection>("/receiver/bandwidth")));
+    // A field strength and an offset need a carrier to measure.
+    setBool("/receiver/results/fieldstrength/INVALID", !carrier);
+    setBool("/receiver/results/offset/INVALID", !carrier);
+    if (carrier) {
+        setNumber("/receiver/results/fieldstrength/VALUE", level + 107.0 + kAntennaFactorDb);
+        double nearest = kStations[0].kHz;
+        for (const Station& station : kStations)
+            if (std::abs(tunedKHz - station.kHz) < std::abs(tunedKHz - nearest))
+                nearest = station.kHz;
+        setNumber("/receiver/results/offset/VALUE", qBound(-100.0, tunedKHz - nearest, 100.0));
+    }
+    // The scan stopping on a carrier: a new entry in the list of stations found.
+    if (scanning && carrier && m_nHoldSteps > 0 && !m_bFoundNoted) {
+        setNumber("/receiver/scan/found", tunedKHz);
+        m_bFoundNoted = true;
+    } else if (!carrier) {
+        m_bFoundNoted = false;
+    }
+
+    const bool overload = level > kOverloadDbm;
+    setBool("/receiver/alarms/overload", overload);
+    // The status lamp: red on overload, green on a carrier, orange while scanning, gray when idle.
+    const int status = overload ? 1 : carrier ? 3 : scanning ? 2 : 0;
+    if (auto* lamp = find<values::IntValue>("/receiver/alarms/status"); lamp && lamp->GetValue() != status)
+        lamp->SetValue(status, nullptr);
+    // The acquisition runs in simulated time, shown in whole seconds.
+    const qint64 lengthUs = simulatedMs() / 1000 * 1000000;
+    if (auto* length = find<values::Int64Value>("/receiver/acquisition/length"); length && length->GetValue() != lengthUs)
+        length->SetValue(lengthUs, nullptr);
 }
 
 int Instrument::restore()

@@ -31,7 +31,12 @@ class ValueBase;
  *   scan/active (bool), scan/position (int % 0..100 of the scan band), scan/speed (int 1..10 per step),
  *   scan/hold (int s 0..10 on a carrier), scan/from and scan/to (double, the scan band),
  *   site/latitude, site/longitude (double degrees, the receiving site),
- *   transmitter/latitude, transmitter/longitude (double degrees, a reference transmitter).
+ *   transmitter/latitude, transmitter/longitude (double degrees, a reference transmitter),
+ *   scan/found (double, the last carrier the scan stopped on), alarms/overload (bool, level above -50 dBm),
+ *   alarms/status (int lamp colour: 0 idle, 1 overload, 2 scanning, 3 carrier), alarms/record (bool, the
+ *   user's), acquisition/start and acquisition/length (microsecond stamps, whole seconds), and the results
+ *   level, bandwidth, fieldstrength and offset, each a branch of NAME, VALUE, UNIT and INVALID (the last
+ *   two need a carrier; the level's flag is the user's).
  */
 class Instrument : public QObject
 {
@@ -78,6 +83,7 @@ private:
     void rememberDial();
     double signalLevel(double frequencyKHz, double t);
     double gaussian();
+    void updateResults(double tunedKHz, double level, bool carrier, bool scanning);
 
     QTimer m_timer;
     QRandomGenerator m_rng;
@@ -89,4 +95,5 @@ private:
     long m_nLastMode = -1;
     int m_nHoldSteps = 0;      // steps left to stay on a carrier found by the scan
     bool m_bSkipping = false;  // the scan has let go of a carrier and ignores it until it is gone
+    bool m_bFoundNoted = false; // the carrier the scan holds on is in scan/found
 };
