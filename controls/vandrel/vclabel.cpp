@@ -23,8 +23,9 @@ void wrapInto(double& x, double low, double high, double step)
 {
     if (low >= high || (x >= low && x <= high) || step == 0)
         return;
-    if (std::isinf(x))
-        return; // no number of steps brings it back
+    // No number of steps brings an infinite number back, and an infinite step never lands in range.
+    if (std::isinf(x) || std::isinf(step))
+        return;
     if (step > 0) {
         if (x < low && (low - x) / step > kMaxWrapPasses) {
             const double rest = std::fmod(low - x, step);

@@ -780,6 +780,55 @@ std::vector<Driver> makeDrivers()
         };
         ds.push_back(d);
     }
+    { // VCLabel: a number formatted or any value's text; a boolean switches it to "- - -".
+        Driver d;
+        d.name = "VCLabel";
+        d.roles = 2;
+        // variant: 1 while the no-value flag may have changed unheard, until the label hears of it again.
+        d.create = [](Harness& h, Control& c) {
+            c.variant = 0;
+            return new VCLabel(&h.panel, "label", 0);
+        };
+        d.accepts = [](int role, Kind k) { return role == 0 || k == Bool; };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            auto* label = c.as<VCLabel>();
+            if (role == 1) {
+                c.variant = 0;
+                return label->SetNoValue_ValuePath(h.cells[s].path);
+            }
+            // A number would join an earlier text binding; the walk binds one value at a time.
+            label->SetText_ValuePath(QString(), true);
+            return label->SetText_ValuePath(h.cells[s].path, true);
+        };
+        d.input = [](Harness& h, Control& c) { h.click(c.as<VCLabel>()); }; // a display: changes nothing
+        d.shows = [](Harness& h, Control& c) {
+            auto* label = c.as<VCLabel>();
+            // Disabled, it ignores changes, and once enabled it waits for the next one.
+            if (!label->isEnabled()) {
+                c.stale = true;
+                if (c.bound[1] >= 0)
+                    c.variant = 1;
+                return QString();
+            }
+            if (c.bound[1] >= 0 && h.cells[c.bound[1]].recorder->writes)
+                c.variant = 0;
+            if (c.variant)
+                return QString();
+            if (c.bound[1] >= 0) {
+                const bool invalid = static_cast<values::BoolValue*>(h.cells[c.bound[1]].value)->GetValue();
+                if (label->GetDisplayNoValue() != invalid)
+                    return QStringLiteral("label's no-value state is %1, its value %2").arg(!invalid).arg(invalid);
+            }
+            if (label->GetDisplayNoValue())
+                return expectEqual("label", label->text(), QStringLiteral("- - -"));
+            if (c.bound[0] < 0)
+                return QString();
+            const QString held = h.numeric(c.bound[0]) ? QString::number(h.numeric(c.bound[0])->GetValue(), 'f', 1)
+                                                       : h.cells[c.bound[0]].value->GetValueString();
+            return expectEqual("label", label->text(), held);
+        };
+        ds.push_back(d);
+    }
     for (Driver& d : ds)
         if (!d.echoesOnBind)
             d.echoesOnBind = [](Harness&, Control&, int) { return NoWrite; };
