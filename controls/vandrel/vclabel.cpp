@@ -215,7 +215,8 @@ void VCLabel::SetFormatString(double value, QString suffix)
     if (!suffix.isEmpty())
         m_strSuffix = suffix;
     const int decimals = qMin(m_nDecimals, kMaxDecimals);
-    const int width = int(qBound<qint64>(-kMaxDecimals, qint64(m_nDigits) + decimals, kMaxDecimals));
+    const qint64 wanted = qint64(m_nDigits) + decimals;
+    const int width = int(qBound(qint64(-kMaxDecimals), wanted, qint64(kMaxDecimals)));
     // "%1" and not "%L1": the number is shown in the C locale whatever the user's language.
     SetText(QStringLiteral("%1").arg(x, width, 'f', decimals, QLatin1Char(' ')).trimmed());
 }

@@ -394,7 +394,8 @@ QString expectEqual(const char* what, const QString& shown, const QString& held)
     return QStringLiteral("%1 shows \"%2\", value holds \"%3\"").arg(QLatin1String(what), shown, held);
 }
 
-int roundToInt(double x) { return qRound(qBound(double(INT_MIN), x, double(INT_MAX))); }
+// Halves up, as Qt 5's qRound and the sliders do (Qt 6's qRound takes -0.5 to -1).
+int roundToInt(double x) { return int(std::floor(qBound(double(INT_MIN), x, double(INT_MAX)) + 0.5)); }
 int truncToInt(double x) { return int(qBound(double(INT_MIN), x, double(INT_MAX))); }
 bool nonInteger(values::IValueNumeric* n) { return n && n->GetValue() != std::trunc(n->GetValue()); }
 
