@@ -66,4 +66,35 @@ Zulässiger Bereich von %2 bis %3.</translation>
         <translation>Rückgängig</translation>
     </message>
 </context>
+<context>
+    <name>VCMeasurementWidget</name>
+    <message>
+        <source>Bandwidth</source>
+        <translation>Bandbreite</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>Ablage</translation>
+    </message>
+    <message>
+        <source>Field Strength</source>
+        <translation>Feldstärke</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Pegel</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>Azimuth</source>
+        <translation>Azimut</translation>
+    </message>
+    <message>
+        <source>Elevation</source>
+        <translation>Elevation</translation>
+    </message>
+</context>
 </TS>

@@ -19,3 +19,6 @@
 #include <vandrel/vcspinselectionbox.h>
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
+#include <vandrel/vclabel.h>
+#include <vandrel/vcline.h>
+#include <vandrel/vcmeasurementwidget.h>

@@ -144,6 +144,26 @@ VCScrollButtons* makeScrollButtons(QWidget* host)
     return buttons;
 }
 
+QObject* makeLabel(QWidget* host)
+{
+    return new VCLabel(host, "badinput", 0);
+}
+
+std::function<bool(QObject*, const QString&)> bindLabel(bool (VCLabel::*bind)(const QString&, bool), bool observe)
+{
+    return [bind, observe](QObject* c, const QString& p) { return (static_cast<VCLabel*>(c)->*bind)(p, observe); };
+}
+
+// A label on the double, wrapping into a circle, in the no-value state when \a noValue.
+VCLabel* boundLabel(QWidget* host, bool noValue = false)
+{
+    auto* label = new VCLabel(host, "badinput", 0);
+    label->SetWrapInto(0, 360, 360);
+    label->SetText_ValuePath(kDouble, true);
+    label->SetDisplayNoValue(noValue);
+    return label;
+}
+
 const QList<Probe>& probes()
 {
     using Spin = VCNumericFloatSpin;
@@ -193,6 +213,15 @@ const QList<Probe>& probes()
              return false;
          },
          {}, [](QObject* c) -> QWidget* { return c->findChild<VCButton*>(); }},
+        {"VCLabel::SetText_ValuePath", kKinds, makeLabel, bindLabel(&VCLabel::SetText_ValuePath, true)},
+        {"VCLabel::SetText_ValuePath unobserved", kKinds, makeLabel, bindLabel(&VCLabel::SetText_ValuePath, false)},
+        {"VCLabel::SetNumericOffset_ValuePath", kNumbers, makeLabel, bindLabel(&VCLabel::SetNumericOffset_ValuePath, true)},
+        {"VCLabel::SetNoValue_ValuePath", {kBool}, makeLabel, byPath(&VCLabel::SetNoValue_ValuePath)},
+        {"VCLabel::SetUpdateNow_ValuePath", {kInt}, makeLabel, byPath(&VCLabel::SetUpdateNow_ValuePath)},
+        // No single value is a result branch: every path gives false.
+        {"VCMeasurementWidget::SetValueTreePath", {},
+         [](QWidget* host) -> QObject* { return new VCMeasurementWidget(host, VCMeasurementWidget::Level); },
+         byPath(&VCMeasurementWidget::SetValueTreePath)},
     };
     return list;
 }
@@ -355,6 +384,13 @@ private Q_SLOTS:
         rows("VCScrollButtons unbound", ints);
         rows("VCSlider::setMinValue", ints);
         rows("VCSpinSelectionBox::setOrderOfMagnitudeVSValues", ints, kSel);
+        rows("VCLabel::SetFactor", scales);
+        rows("VCLabel::SetFormat factor", scales);
+        rows("VCLabel::SetFormat digits", ints);
+        rows("VCLabel::SetFormatString", doubles);
+        rows("VCLabel::SetWrapInto", doubles);
+        rows("VCLabel::SetHeight", ints);
+        rows("VCLabel::SetAlignmentNoValue", ints);
     }
 
     // Each setter runs on a control bound as an application binds it; only the value named in
@@ -531,6 +567,45 @@ private Q_SLOTS:
                  box->setOrderOfMagnitudeVSValues(wchar_t(n));
                  box->findChild<QLineEdit*>()->setText(QStringLiteral("2 k"));
                  box->interpretText();
+             }},
+            // A label writes nothing; no number may hold it in a loop or break its formatting.
+            {"VCLabel::SetFactor", [](QWidget* host, double x, int) { boundLabel(host)->SetFactor(x); }},
+            {"VCLabel::SetFormat factor",
+             [](QWidget* host, double x, int) {
+                 VCLabel* label = boundLabel(host);
+                 label->SetFormat(3, 0, x);
+                 label->Display();
+             }},
+            {"VCLabel::SetFormat digits",
+             [](QWidget* host, double, int n) {
+                 VCLabel* label = boundLabel(host);
+                 label->SetFormat(n, n, 1.0);
+                 label->Display();
+             }},
+            {"VCLabel::SetFormatString",
+             [](QWidget* host, double x, int) {
+                 VCLabel* label = boundLabel(host);
+                 label->SetFormatString(x, QStringLiteral("dB"));
+                 label->SetLuminescence(true);
+                 label->SetDisplayNoValue(true);
+                 label->SetFormatString(x, QString());
+             }},
+            {"VCLabel::SetWrapInto",
+             [](QWidget* host, double x, int) {
+                 VCLabel* label = boundLabel(host);
+                 for (const QVector<double>& wrap : {QVector<double>{x, 360, 360}, {0, x, 360}, {0, 360, x}, {x, x, x}}) {
+                     label->SetWrapInto(wrap[0], wrap[1], wrap[2]);
+                     label->Display();
+                     label->SetFormatString(1e300, QString());
+                     label->SetFormatString(-1e300, QString());
+                 }
+             }},
+            {"VCLabel::SetHeight", [](QWidget* host, double, int n) { boundLabel(host)->SetHeight(n); }},
+            {"VCLabel::SetAlignmentNoValue",
+             [](QWidget* host, double, int n) {
+                 VCLabel* label = boundLabel(host, true);
+                 label->SetAlignmentNoValue(n);
+                 label->SetDisplayNoValue(false);
              }},
         };
         QVERIFY2(setters.contains(setter), qPrintable(setter));
