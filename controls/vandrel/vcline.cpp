@@ -11,13 +11,11 @@ VCLine::VCLine(QWidget* parent, const char* name)
 
 void VCLine::paintEvent(QPaintEvent*)
 {
-    // In a light palette Light is white and Shadow black: a light edge of alpha 191, a dark one of
-    // alpha 91 and a middle gray where they meet. From the palette, the edges stay visible on dark ones.
-    QColor light = palette().color(QPalette::Light);
-    QColor dark = palette().color(QPalette::Shadow);
-    QColor middle((light.red() + dark.red()) / 2, (light.green() + dark.green()) / 2, (light.blue() + dark.blue()) / 2, 91);
-    light.setAlpha(191);
-    dark.setAlpha(91);
+    // Translucent edges over whatever the parent paints: light below and right, dark above and left,
+    // which reads as sunken on light and dark windows alike.
+    const QColor light(255, 255, 255, 191);
+    const QColor dark(0, 0, 0, 91);
+    const QColor middle(127, 127, 127, 91);
 
     const int w = width() - 1;
     const int h = height() - 1;
