@@ -632,6 +632,8 @@ std::vector<Driver> makeDrivers()
                 locale.setNumberOptions(QLocale::OmitGroupSeparator);
                 const double typed = std::round(h.number() * 100) / 100;
                 auto* n = spin->isEnabled() ? h.numeric(c.bound[0]) : nullptr;
+                // Asked before typing: the slider may be deleted by an observer of the write it echoes.
+                const bool wholeEcho = h.wholeNumberEcho(c.bound[0]);
                 h.type(spin, locale.toString(typed, 'f', spin->decimals()));
                 if (n && spin && h.numeric(c.bound[0]) == n) {
                     const double scale = std::pow(10.0, spin->decimals());
@@ -647,7 +649,7 @@ std::vector<Driver> makeDrivers()
                     };
                     // A slider on the value takes the number's fraction away as it shows it.
                     auto whole = [&](double expected) {
-                        return h.wholeNumberEcho(c.bound[0]) && n->GetValue() == std::trunc(n->GetValue())
+                        return wholeEcho && n->GetValue() == std::trunc(n->GetValue())
                             && std::abs(n->GetValue() - expected) < 1.0;
                     };
                     const double expectUp = clamp(up(clamp(up(typed)))), expectAway = clamp(away(clamp(away(typed))));
