@@ -19,3 +19,5 @@
 #include <vandrel/vcspinselectionbox.h>
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
+#include <vandrel/vcdatetimeedit.h>
+#include <vandrel/vcled.h>
