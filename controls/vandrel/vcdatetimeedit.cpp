@@ -325,7 +325,7 @@ void VCDateTimeEdit::slotSetDateTimeFromControl(const QDateTime& datetime)
 {
     QDateTime moment = datetime;
     if (m_bDifferential)
-        moment = moment.addDays(m_pDaysEdit->text().toInt(nullptr, 10));
+        moment = moment.addDays(shownDays());
     const long long stamp = dateTimeToTimeStamp(moment);
     m_pHeldWrites->Write([this, stamp] { SetValue(stamp); });
 }
@@ -436,6 +436,17 @@ long long VCDateTimeEdit::dateTimeToTimeStamp(QDateTime dateTime)
     if (d == 0)
         return -qint64(cut32(dateTime.secsTo(m_dtEpoch))) * 1000000;
     return 0; // before day zero
+}
+
+int VCDateTimeEdit::shownDays() const
+{
+    bool ok = false;
+    const int days = m_pDaysEdit->text().toInt(&ok, 10);
+    // A locale of other digits (Arabic, Persian, Bengali) shows a number that is no base-10 text: the
+    // box's own number stands for it. Text that is no number yet ("-", "") counts as 0.
+    if (!ok && m_pDaysEdit->locale().toString(0) != QLatin1String("0"))
+        return m_pDaysEdit->value();
+    return days;
 }
 
 long VCDateTimeEdit::daysPart(const long long& stamp)

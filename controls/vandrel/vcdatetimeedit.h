@@ -99,6 +99,8 @@ private:
     QDateTime dateTimeFromTimeStamp();
     long long dateTimeToTimeStamp(QDateTime dateTime);
     long daysPart(const long long& stamp);
+    // The days the box shows, as the time edit's writes add them.
+    int shownDays() const;
 
     // Runs a call that may make the time edit or the spin box emit, holding the writes it brings until
     // the call has returned; false when the control did not outlive them.

@@ -278,6 +278,29 @@ private Q_SLOTS:
             QCOMPARE(stamp % kSecond, 0LL);
     }
 
+    // The time edit adds the days the box shows, also in a language whose digits are not 0 to 9.
+    void daysInOtherDigits_data()
+    {
+        QTest::addColumn<QString>("locale");
+        for (const char* name : {"C", "de_DE", "ar_EG", "fa_IR", "bn_BD"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+
+    void daysInOtherDigits()
+    {
+        QFETCH(QString, locale);
+        Subject s(span(1234, 1, 1, 1), true);
+        s.edit->GetDaysEdit()->setLocale(QLocale(locale));
+        s.edit->GetTimeEdit()->setLocale(QLocale(locale));
+        s.value->SetValue(span(4321, 1, 1, 1), nullptr);
+        QCOMPARE(s.days(), 4321);
+        QApplication::setActiveWindow(&s.window);
+        QVERIFY(QTest::qWaitForWindowActive(&s.window));
+        s.focusSection(QDateTimeEdit::HourSection);
+        QTest::keyClick(s.edit->GetTimeEdit(), Qt::Key_Up);
+        QCOMPARE(s.value->GetValue(), span(4321, 2, 1, 1));
+    }
+
     // A negative day count lies before the epoch: 0 is written and the box keeps its number. A day
     // count typed afterwards takes its time of day from the value, not from the edit.
     void negativeDays()
