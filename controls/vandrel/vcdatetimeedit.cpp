@@ -89,8 +89,7 @@ VCDateTimeEdit::VCDateTimeEdit(QWidget* parent, const char* name)
     m_pDaysEdit->hide();
     const QString strName = QString::fromUtf8(name);
     setObjectName(strName);
-    m_dtEpoch = QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime);
-    // An invalid upper date makes Qt ignore the pair: no limit holds until a time spec is chosen.
+    // Day zero is local midnight of 1970-01-01 until a time spec is chosen. An invalid upper date makes Qt ignore the pair: no limit holds until a time spec is chosen.
     m_pDateTimeEdit->setDateRange(m_dtEpoch.date(), QDate());
     setGeometry(10, 30, 180, 20);
     setToolTip(strName);

@@ -3,7 +3,6 @@
 #include <vandrel/vandrel.h>
 
 #include <QDateTimeEdit>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
@@ -122,46 +121,28 @@ private Q_SLOTS:
     }
     void cleanup() { tree().Clear(); }
 
-    void construction()
+    // The edit has no limits and the toolkit's format until a mode is chosen; the mode brings its
+    // format, time spec, limits and the days.
+    void modes()
     {
         QWidget window;
         VCDateTimeEdit edit(&window, "when");
         const QDateTimeEdit fresh;
-        QCOMPARE(edit.objectName(), QStringLiteral("when"));
         QCOMPARE(edit.GetTimeEdit()->objectName(), QStringLiteral("when_DateTime"));
         QCOMPARE(edit.GetDaysEdit()->objectName(), QStringLiteral("when_Days"));
         auto* label = edit.findChild<QLabel*>(QStringLiteral("VCDateTimeEditDaysLabel"));
         QVERIFY(label);
-        QCOMPARE(label->text(), QStringLiteral("Days"));
-        QCOMPARE(edit.toolTip(), QStringLiteral("when"));
-        QCOMPARE(edit.geometry(), QRect(10, 30, 180, 20));
         QVERIFY(!edit.isEnabled());
-        QVERIFY(!edit.GetDifferential());
-        auto* layout = qobject_cast<QHBoxLayout*>(edit.layout());
-        QVERIFY(layout);
-        QCOMPARE(layout->contentsMargins(), QMargins());
-        QCOMPARE(layout->indexOf(edit.GetDaysEdit()), 0);
-        QCOMPARE(layout->indexOf(label), 1);
-        QCOMPARE(layout->indexOf(edit.GetTimeEdit()), 2);
-        QCOMPARE(edit.GetDaysEdit()->minimum(), -20000);
-        QCOMPARE(edit.GetDaysEdit()->maximum(), 20000);
-        // Nothing limits the edit, nor formats it, until a mode is chosen.
         QCOMPARE(edit.GetTimeEdit()->minimumDate(), fresh.minimumDate());
         QCOMPARE(edit.GetTimeEdit()->maximumDate(), fresh.maximumDate());
         QCOMPARE(edit.GetTimeEdit()->displayFormat(), fresh.displayFormat());
         window.show();
-        QVERIFY(edit.GetTimeEdit()->isVisible());
         QVERIFY(!edit.GetDaysEdit()->isVisible() && !label->isVisible());
-        edit.setObjectName(QStringLiteral("then"));
-        QCOMPARE(edit.GetDaysEdit()->objectName(), QStringLiteral("then_Days"));
 
         edit.SetDifferential(true);
         QVERIFY(edit.GetDaysEdit()->isVisible() && label->isVisible());
         QCOMPARE(edit.GetTimeEdit()->displayFormat(), QStringLiteral("hh:mm:ss"));
         QCOMPARE(edit.GetTimeEdit()->timeSpec(), Qt::UTC);
-        QCOMPARE(edit.GetTimeEdit()->width(), 70);
-        QCOMPARE(edit.GetDaysEdit()->width(), 40);
-        QCOMPARE(label->width(), 28);
         edit.SetDaysVisible(false);
         QVERIFY(!edit.GetDaysEdit()->isVisible() && edit.GetDifferential());
 
@@ -169,15 +150,11 @@ private Q_SLOTS:
         QVERIFY(!edit.GetDaysEdit()->isVisible() && !label->isVisible());
         QCOMPARE(edit.GetTimeEdit()->displayFormat(), QStringLiteral("yyyy:MM:dd hh:mm:ss"));
         QCOMPARE(edit.GetTimeEdit()->timeSpec(), Qt::LocalTime);
-        QCOMPARE(edit.GetTimeEdit()->width(), 150);
         QCOMPARE(edit.GetTimeEdit()->minimumDateTime(), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime));
         QCOMPARE(edit.GetTimeEdit()->maximumDateTime(), QDateTime(QDate(4000, 12, 31), QTime(23, 59, 59), Qt::LocalTime));
 
         edit.setReadOnly(true);
-        edit.setButtonSymbols(QAbstractSpinBox::NoButtons);
         QVERIFY(edit.GetTimeEdit()->isReadOnly() && edit.GetDaysEdit()->isReadOnly());
-        QCOMPARE(edit.GetDaysEdit()->buttonSymbols(), QAbstractSpinBox::NoButtons);
-        QCOMPARE(edit.buttonSymbols(), QAbstractSpinBox::NoButtons);
     }
 
     // What a span shows, and what the control writes back when the day count does not fit the box.
