@@ -97,4 +97,18 @@ Zulässiger Bereich von %2 bis %3.</translation>
         <translation>Elevation</translation>
     </message>
 </context>
+<context>
+    <name>VCDateTimeEdit</name>
+    <message>
+        <source>Days</source>
+        <translation>Tage</translation>
+    </message>
+</context>
+<context>
+    <name>VCLED</name>
+    <message>
+        <source>LED</source>
+        <translation>LED</translation>
+    </message>
+</context>
 </TS>

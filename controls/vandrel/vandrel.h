@@ -11,7 +11,12 @@
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccoordedit.h>
+#include <vandrel/vcdatetimeedit.h>
+#include <vandrel/vclabel.h>
+#include <vandrel/vcled.h>
+#include <vandrel/vcline.h>
 #include <vandrel/vclineedit.h>
+#include <vandrel/vcmeasurementwidget.h>
 #include <vandrel/vcnumericfloatspin.h>
 #include <vandrel/vcscrollbar.h>
 #include <vandrel/vcscrollbuttons.h>
@@ -19,6 +24,3 @@
 #include <vandrel/vcspinselectionbox.h>
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
-#include <vandrel/vclabel.h>
-#include <vandrel/vcline.h>
-#include <vandrel/vcmeasurementwidget.h>

@@ -8,10 +8,13 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDateTimeEdit>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QSpinBox>
 #include <QTest>
 #include <QTimer>
 #include <QWheelEvent>
@@ -402,7 +405,7 @@ QString expectEqual(const char* what, const QString& shown, const QString& held)
     return QStringLiteral("%1 shows \"%2\", value holds \"%3\"").arg(QLatin1String(what), shown, held);
 }
 
-// Halves up, as Qt 5's qRound and the sliders do (Qt 6's qRound takes -0.5 to -1).
+// A half goes up, as the slider rounds under Qt 5 and 6 alike (Qt 6's qRound takes it away from zero).
 int roundToInt(double x) { return int(std::floor(qBound(double(INT_MIN), x, double(INT_MAX)) + 0.5)); }
 int truncToInt(double x) { return int(qBound(double(INT_MIN), x, double(INT_MAX))); }
 bool nonInteger(values::IValueNumeric* n) { return n && n->GetValue() != std::trunc(n->GetValue()); }
@@ -852,6 +855,142 @@ std::vector<Driver> makeDrivers()
             const QString held = h.numeric(c.bound[0]) ? QString::number(h.numeric(c.bound[0])->GetValue(), 'f', 1)
                                                        : h.cells[c.bound[0]].value->GetValueString();
             return expectEqual("label", label->text(), held);
+        };
+        ds.push_back(d);
+    }
+    { // VCLED: a lamp on a boolean (clicked when clickable) or a colour index, and a text beside it.
+        Driver d;
+        d.name = "VCLED";
+        d.roles = 2;
+        d.followsState = false; // the lamp's values enable it, the text never does
+        d.create = [](Harness& h, Control& c) { return new VCLED(&h.panel, "led", c.variant % 2); };
+        d.accepts = [](int role, Kind k) { return role == 0 ? (k == Bool || k == Int) : k == Text; };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            auto* led = c.as<VCLED>();
+            if (role == 1)
+                return led->SetText_ValuePath(h.cells[s].path);
+            const bool index = h.cells[s].kind == Int || (h.cells[s].kind != Bool && h.chance(0.5));
+            return index ? led->SetColorIndex_ValuePath(h.cells[s].path) : led->SetBool_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) { h.click(c.as<VCLED>()); };
+        d.shows = [](Harness& h, Control& c) {
+            auto* led = c.as<VCLED>();
+            QLabel* labels[2] = {};
+            for (QLabel* label : led->findChildren<QLabel*>())
+                labels[label->objectName().startsWith(QLatin1String("LEDText"))] = label;
+            if (c.bound[1] >= 0) {
+                QString e = expectEqual("lamp text", labels[1]->text(), h.cells[c.bound[1]].value->GetValueString());
+                if (!e.isEmpty())
+                    return e;
+            }
+            if (c.bound[0] < 0)
+                return QString();
+            // The rim colour of the disc and the size tell the lamps apart.
+            QString expected;
+            if (h.cells[c.bound[0]].kind == Bool) {
+                expected = static_cast<values::BoolValue*>(h.cells[c.bound[0]].value)->GetValue() ? "8 #820000" : "8 #a9a9a9";
+            } else {
+                static const char* const rims[] = {"16 #a9a9a9", "16 #820000", "16 #ffa500", "16 #008200"};
+                const int index = static_cast<values::IntValue*>(h.cells[c.bound[0]].value)->GetValue();
+                expected = QLatin1String(rims[index >= 0 && index <= 3 ? index : 0]);
+            }
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+            const QImage image = labels[0]->pixmap().toImage();
+#else
+            const QImage image = labels[0]->pixmap(Qt::ReturnByValue).toImage();
+#endif
+            const int o = image.width() == 16 ? 4 : 0;
+            const QString shown = image.isNull() ? QStringLiteral("none")
+                                                 : QStringLiteral("%1 %2").arg(image.width()).arg(image.pixelColor(o + 4, o + 5).name());
+            return expectEqual("lamp", shown, expected);
+        };
+        ds.push_back(d);
+    }
+    { // VCDateTimeEdit: a time stamp as a span (variant 0) or a moment (1), or in the toolkit's format (2).
+        Driver d;
+        d.name = "VCDateTimeEdit";
+        d.roles = 1;
+        d.create = [](Harness& h, Control& c) {
+            auto* edit = new VCDateTimeEdit(&h.panel, "datetime");
+            if (c.variant % 3 < 2)
+                edit->SetDifferential(c.variant % 3 == 0);
+            return edit;
+        };
+        d.accepts = [](int, Kind k) { return k == Int64 || isNumeric(k); };
+        d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCDateTimeEdit>()->SetDateTime_ValuePath(h.cells[s].path); };
+        // A span whose days the box shows anew is written back in whole seconds.
+        d.echoesOnBind = [](Harness&, Control& c, int) { return c.variant % 3 == 0 ? Rewrite : NoWrite; };
+        d.input = [](Harness& h, Control& c) {
+            auto* edit = c.as<VCDateTimeEdit>();
+            QPointer<QSpinBox> days = edit->GetDaysEdit();
+            // A day count below 0 writes 0 and is not shown again: the walk keeps to 0 and more.
+            // Each key may write, and the write may delete the control: typed one key at a time.
+            auto typeKeys = [&h](QAbstractSpinBox* box, const QString& keys) {
+                QPointer<QAbstractSpinBox> guard(box);
+                h.did += QStringLiteral(" type \"%1\"").arg(keys);
+                for (QChar key : keys)
+                    if (guard)
+                        QTest::keyClick(guard, key.toLatin1());
+            };
+            if (edit->GetDifferential() && h.chance(0.4)) {
+                if (h.chance(0.5)) {
+                    days->setFocus();
+                    h.key(days, Qt::Key_A, Qt::ControlModifier);
+                    typeKeys(days, QString::number(h.pick(25000)));
+                } else {
+                    h.key(days, days->value() > 0 && h.chance(0.5) ? Qt::Key_Down : Qt::Key_Up);
+                }
+                h.sink->setFocus();
+                return;
+            }
+            // The time of day only: a date stepped past 2106 or before 1970 is written, but not shown
+            // as written, since stamps wrap on reading.
+            static const QDateTimeEdit::Section sections[] = {QDateTimeEdit::HourSection, QDateTimeEdit::MinuteSection,
+                                                              QDateTimeEdit::SecondSection};
+            const int section = h.pick(3);
+            QPointer<QDateTimeEdit> time = edit->GetTimeEdit();
+            time->setFocus();
+            time->setSelectedSection(sections[section]);
+            h.did += QStringLiteral(" section %1").arg(section);
+            if (h.chance(0.5)) {
+                h.key(time, h.chance(0.5) ? Qt::Key_Up : Qt::Key_Down);
+            } else {
+                typeKeys(time, QStringLiteral("%1").arg(h.pick(section ? 60 : 24), 2, 10, QLatin1Char('0')));
+            }
+            h.sink->setFocus();
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* edit = c.as<VCDateTimeEdit>();
+            values::ValueBase* v = h.cells[c.bound[0]].value;
+            long long stamp = 0;
+            if (auto* n = h.numeric(c.bound[0])) {
+                // A number that kept less than it was given is not shown again. In a span the edit then
+                // keeps its time of day apart from the number, while a new day count takes the number's:
+                // the two agree again only when the number is shown anew.
+                if (n->GetValue() == n->GetMinimum() || n->GetValue() == n->GetMaximum() || edit->GetDifferential())
+                    return QString();
+                stamp = static_cast<long long>(n->GetValue());
+            } else {
+                stamp = static_cast<values::Int64Value*>(v)->GetValue();
+            }
+            const qint64 secs = qint64(quint32(quint64(stamp / 1000000))); // 32 unsigned bits of seconds
+            const QDateTime shown = edit->GetTimeEdit()->dateTime();
+            if (edit->GetDifferential()) {
+                const QDateTime held = QDateTime::fromSecsSinceEpoch(secs, Qt::UTC);
+                const qint64 heldDays = QDate(1970, 1, 1).daysTo(held.date());
+                QString e = expectNear("days", edit->GetDaysEdit()->value(), double(std::min<qint64>(heldDays, 20000)), 0);
+                if (e.isEmpty())
+                    e = expectEqual("time of day", shown.toUTC().time().toString(), held.time().toString());
+                return e;
+            }
+            QDateTime held = QDateTime::fromSecsSinceEpoch(secs, Qt::LocalTime);
+            held = qBound(edit->GetTimeEdit()->minimumDateTime(), held, edit->GetTimeEdit()->maximumDateTime());
+            // A moment on the epoch's own day counts from local midnight, not from 1970 UTC; one before
+            // that midnight (west of UTC, where no lower limit is set) is written as 0 and stays shown.
+            const QDateTime midnight(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime);
+            if ((shown.date() == midnight.date() && midnight.secsTo(shown) == secs) || (shown < midnight && secs == 0))
+                return QString();
+            return expectEqual("moment", shown.toUTC().toString(Qt::ISODate), held.toUTC().toString(Qt::ISODate));
         };
         ds.push_back(d);
     }

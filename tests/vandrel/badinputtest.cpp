@@ -3,6 +3,7 @@
 #include <plinthor/plinthor.h>
 #include <vandrel/vandrel.h>
 
+#include <QSpinBox>
 #include <QtTest>
 
 #include <climits>
@@ -164,6 +165,11 @@ VCLabel* boundLabel(QWidget* host, bool noValue = false)
     return label;
 }
 
+QObject* makeLed(QWidget* host)
+{
+    return new VCLED(host, "badinput", true);
+}
+
 const QList<Probe>& probes()
 {
     using Spin = VCNumericFloatSpin;
@@ -204,6 +210,11 @@ const QList<Probe>& probes()
          byPath(&VCTextEdit::SetText_ValuePath)},
         {"VCTextEdit::SetValueBase", {kText}, [](QWidget* host) -> QObject* { return new VCTextEdit(host); }, {},
          byPointer<VCTextEdit, values::ValueBase>([](VCTextEdit* c, values::ValueBase* v) { return c->SetValueBase(v); })},
+        {"VCLED::SetBool_ValuePath", {kBool}, makeLed, byPath(&VCLED::SetBool_ValuePath)},
+        {"VCLED::SetColorIndex_ValuePath", {kPlain}, makeLed, byPath(&VCLED::SetColorIndex_ValuePath)},
+        {"VCLED::SetText_ValuePath", {kText}, makeLed, byPath(&VCLED::SetText_ValuePath)},
+        {"VCDateTimeEdit::SetDateTime_ValuePath", kNumbers, make<VCDateTimeEdit>,
+         byPath(&VCDateTimeEdit::SetDateTime_ValuePath)},
         // No result to give: a bad base path must only leave the button with nothing to undo. An empty
         // one stands for the whole tree, as "/" does.
         {"VCUndo::SetUndoRecordings_BasePath", kKinds, make<VCUndo>,
@@ -391,6 +402,13 @@ private Q_SLOTS:
         rows("VCLabel::SetWrapInto", doubles);
         rows("VCLabel::SetHeight", ints);
         rows("VCLabel::SetAlignmentNoValue", ints);
+        // The number refuses a NaN itself, with its own trace; the edit reads what it kept.
+        rows("VCDateTimeEdit on a number", doubles + Numbers{{"1e300", 1e300}, {"-1e300", -1e300}}, QString(),
+             QStringLiteral("NaN refused for /w/n"));
+        rows("VCDateTimeEdit::ChangeToTimeSpec", {{"LocalTime", 0.0}, {"UTC", 1.0}, {"OffsetFromUTC", 2.0}, {"TimeZone", 3.0}},
+             kDouble);
+        rows("VCDateTimeEdit days", ints, kDouble);
+
     }
 
     // Each setter runs on a control bound as an application binds it; only the value named in
@@ -559,6 +577,38 @@ private Q_SLOTS:
                  slider->setMaxValue(n);
                  QCOMPARE(slider->minimum(), 0);
                  QCOMPARE(slider->maximum(), 6);
+             }},
+            // A number of any size, or none, is read as some stamp; the edit shows a moment for it.
+            // The number lives only for the row, so that what the edit writes back to it is no change.
+            {"VCDateTimeEdit on a number",
+             [](QWidget* host, double x, int) {
+                 const double inf = std::numeric_limits<double>::infinity();
+                 auto* number = new values::DoubleNumeric(0, -inf, inf, 0);
+                 QVERIFY(tree().Add(QStringLiteral("/w/n"), number));
+                 number->SetValue(x, nullptr);
+                 auto* edit = new VCDateTimeEdit(host, "badinput");
+                 for (bool differential : {true, false, true}) {
+                     edit->SetDifferential(differential);
+                     QVERIFY(edit->SetDateTime_ValuePath(QStringLiteral("/w/n")));
+                     QVERIFY(edit->dateTime().isValid());
+                     QVERIFY(std::fmod(number->GetValue(), 1e6) == 0 || !std::isfinite(number->GetValue()) ||
+                             number->GetValue() == x);
+                 }
+                 QVERIFY(tree().Remove(QStringLiteral("/w/n")));
+             }},
+            {"VCDateTimeEdit::ChangeToTimeSpec",
+             [](QWidget* host, double, int n) {
+                 VCDateTimeEdit* edit = bound(host, &VCDateTimeEdit::SetDateTime_ValuePath, kDouble);
+                 edit->ChangeToTimeSpec(Qt::TimeSpec(n));
+                 QVERIFY(edit->dateTime().isValid());
+             }},
+            {"VCDateTimeEdit days",
+             [](QWidget* host, double, int n) {
+                 VCDateTimeEdit* edit = bound(host, &VCDateTimeEdit::SetDateTime_ValuePath, kDouble);
+                 edit->SetDifferential(true);
+                 edit->GetDaysEdit()->setValue(n);
+                 edit->GetDaysEdit()->setValue(0);
+                 QCOMPARE(edit->GetDaysEdit()->value(), 0);
              }},
             // A typed magnitude selects the nearest item; an unknown letter must not break that.
             {"VCSpinSelectionBox::setOrderOfMagnitudeVSValues",

@@ -4,7 +4,9 @@
 
 #include <vandrel/vandrel.h>
 
+#include <QDateTimeEdit>
 #include <QLineEdit>
+#include <QSpinBox>
 #include <QPointer>
 #include <QtTest>
 
@@ -292,6 +294,81 @@ const QList<Case>& cases()
          },
          [](QWidget* c) { typeAndReturn(c, QStringLiteral("-10.5 -20.25")); },
          [] { return valueAt<values::DoubleNumeric>("/lat")->GetValue() == -10.5; }},
+        {"lamp press",
+         [](QWidget* w) {
+             auto* b = add(QStringLiteral("/b"), new values::BoolValue(false));
+             auto* c = new VCLED(w, "led", true);
+             c->SetBool_ValuePath(QStringLiteral("/b"));
+             return qMakePair<QObject*, Observable*>(c, b);
+         },
+         // A press alone: the lamp writes on it, and a release would go to a deleted widget.
+         [](QWidget* c) { QTest::mousePress(c, Qt::LeftButton); },
+         [] { return valueAt<values::BoolValue>("/b")->GetValue(); }},
+        {"date-time edit, time stepped",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::Int64Value(90061000000LL));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDifferential(true);
+             c->SetDateTime_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         [](QWidget* c) {
+             QDateTimeEdit* edit = static_cast<VCDateTimeEdit*>(c)->GetTimeEdit();
+             edit->setFocus();
+             edit->setSelectedSection(QDateTimeEdit::HourSection);
+             QTest::keyClick(edit, Qt::Key_Up);
+         },
+         [] { return valueAt<values::Int64Value>("/t")->GetValue() == 93661000000LL; }},
+        {"date-time edit, time typed",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::Int64Value(0));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDifferential(true);
+             c->SetDateTime_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         [](QWidget* c) {
+             QDateTimeEdit* edit = static_cast<VCDateTimeEdit*>(c)->GetTimeEdit();
+             edit->setFocus();
+             edit->setSelectedSection(QDateTimeEdit::HourSection);
+             QTest::keyClick(edit, Qt::Key_5); // 5 can begin no other hour: taken at once
+         },
+         [] { return valueAt<values::Int64Value>("/t")->GetValue() == 18000000000LL; }},
+        {"date-time edit, days stepped",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::Int64Value(90061000000LL));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDifferential(true);
+             c->SetDateTime_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         [](QWidget* c) {
+             QSpinBox* days = static_cast<VCDateTimeEdit*>(c)->GetDaysEdit();
+             days->setFocus();
+             QTest::keyClick(days, Qt::Key_Up);
+         },
+         [] { return valueAt<values::Int64Value>("/t")->GetValue() == 176461000000LL; }},
+        {"date-time edit, days shown cut to the box",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::Int64Value(0));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDifferential(true);
+             c->SetDateTime_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         // The application's write makes the box show 20000 days, which the control writes back.
+         [](QWidget*) { valueAt<values::Int64Value>("/t")->SetValue(30000 * 86400000000LL, nullptr); },
+         [] { return valueAt<values::Int64Value>("/t")->GetValue() == 20000 * 86400000000LL; },
+         1},
+        {"date-time edit, mode switch",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::Int64Value(1500000));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDateTime_ValuePath(QStringLiteral("/t"));
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         [](QWidget* c) { static_cast<VCDateTimeEdit*>(c)->SetDifferential(true); },
+         [] { return valueAt<values::Int64Value>("/t")->GetValue() % 1000000 == 0; }},
         {"undo button",
          [](QWidget* w) {
              auto* n = add(QStringLiteral("/u/n"), new values::IntNumeric(5, 0, 10, 1));
