@@ -239,6 +239,14 @@ struct Harness
                 return true;
         return false;
     }
+    // A date-time edit on the cell writes back a stamp of its own making as it shows a number.
+    bool stampEcho(int s) const
+    {
+        for (const Control& c : controls)
+            if (c.alive() && c.as<VCDateTimeEdit>() && c.bound[0] == s)
+                return true;
+        return false;
+    }
     values::ValueSelection* selection(int s) const
     {
         return s >= 0 ? dynamic_cast<values::ValueSelection*>(cells[s].value) : nullptr;
@@ -637,8 +645,9 @@ std::vector<Driver> makeDrivers()
                 auto* n = spin->isEnabled() ? h.numeric(c.bound[0]) : nullptr;
                 // Asked before typing: the slider may be deleted by an observer of the write it echoes.
                 const bool wholeEcho = h.wholeNumberEcho(c.bound[0]);
+                const bool stampEcho = h.stampEcho(c.bound[0]);
                 h.type(spin, locale.toString(typed, 'f', spin->decimals()));
-                if (n && spin && h.numeric(c.bound[0]) == n) {
+                if (n && spin && h.numeric(c.bound[0]) == n && !stampEcho) {
                     const double scale = std::pow(10.0, spin->decimals());
                     // Clamped into the limits, then held in the box's decimals, which the value clamps once more.
                     auto clamp = [n](double x) { return qBound(n->GetMinimum(), x, n->GetMaximum()); };
