@@ -63,7 +63,6 @@ QFrame#display QLabel { color: #7fe0c4; background: transparent; }
 QFrame#display QLabel:disabled { color: #46555f; }
 QFrame#display QLabel[role="caption"] { color: #6f8796; font-size: 8pt; letter-spacing: 1px; }
 QFrame#display QLabel#frequencyDisplay { font-size: 26pt; color: #b8f5e3; }
-QFrame#display QLabel#carrierDisplay { font-weight: bold; }
 )";
 
 } // namespace
@@ -87,6 +86,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages->addTab(makeButtonPage(), tr("Buttons and undo"));
     m_pPages->addTab(makePositionPage(), tr("Station"));
     m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
+    m_pPages->addTab(makeMeasurementPage(), tr("Measurement"));
     leftLayout->addWidget(m_pPages, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
@@ -208,6 +208,7 @@ void GalleryWindow::addStackedControl(QGridLayout* grid, const QString& caption,
 
 QWidget* GalleryWindow::makeDisplay()
 {
+    // The instrument's own display, made of the library's labels and lamps.
     auto* display = new QFrame(this);
     display->setObjectName(QStringLiteral("display"));
     display->setStyleSheet(QString::fromLatin1(kDisplayStyle));
@@ -218,19 +219,22 @@ QWidget* GalleryWindow::makeDisplay()
         label->setProperty("role", QStringLiteral("caption"));
         return label;
     };
-    auto field = [&](const QString& path, ValueReadout::Formatter format, const char* name) {
-        ValueReadout* label = readout(path, std::move(format));
-        label->setParent(display);
-        label->setObjectName(QString::fromLatin1(name));
+    // A number with its unit, or the text of any other value.
+    auto field = [&](const char* name, const QString& path, const QString& unit = QString(), int decimals = 0,
+                     double factor = 1.0) {
+        auto* label = new VCLabel(display, name, 0);
         label->setFont(fixed);
+        label->SetSuffix(unit);
+        label->SetFormat(3, decimals, factor);
+        bind([label, path] { label->SetText_ValuePath(path, true); });
         return label;
     };
 
-    ValueReadout* frequency = field(QStringLiteral("/receiver/frequency"), numberIn(QStringLiteral("MHz"), 3, 0.001),
-                                    "frequencyDisplay");
+    VCLabel* frequency = field("frequencyDisplay", QStringLiteral("/receiver/frequency"), QStringLiteral("MHz"), 3, 0.001);
     QFont big = fixed;
     big.setPointSize(26);
     frequency->setFont(big);
+    frequency->SetHeight(QFontMetrics(big).height() + 4);
     frequency->setMinimumWidth(QFontMetrics(big).horizontalAdvance(QStringLiteral("00.000 MHz")));
 
     auto* grid = new QGridLayout(display);
@@ -240,32 +244,38 @@ QWidget* GalleryWindow::makeDisplay()
     grid->addWidget(caption(tr("Frequency")), 0, 0);
     grid->addWidget(frequency, 1, 0, 2, 1, Qt::AlignLeft | Qt::AlignVCenter);
 
-    struct Field
-    {
-        QString caption;
-        QString path;
-        ValueReadout::Formatter format;
-        const char* name;
-    };
-    const Field fields[] = {
-        {tr("Mode"), QStringLiteral("/receiver/mode"), {}, "modeDisplay"},
-        {tr("Level"), QStringLiteral("/receiver/level"), numberIn(QStringLiteral("dBm")), "levelDisplay"},
-        {tr("Carrier"), QStringLiteral("/receiver/carrier"),
-         [](values::ValueBase& v) { return v.GetValueString() == QLatin1String("true") ? tr("● OPEN") : tr("○ quiet"); },
-         "carrierDisplay"},
-        {tr("Scan"), QStringLiteral("/receiver/scan/position"), numberIn(QStringLiteral("%")), "scanDisplay"},
+    VCLabel* mode = field("modeDisplay", QStringLiteral("/receiver/mode"));
+    VCLabel* level = field("levelDisplay", QStringLiteral("/receiver/level"), QStringLiteral("dBm"));
+    // The level's result may be marked invalid on the measurement page: the display then shows "- - -".
+    bind([level] { level->SetNoValue_ValuePath(QStringLiteral("/receiver/results/level/INVALID")); });
+    auto* carrier = new VCLED(display, "carrierDisplay", false);
+    carrier->SetText(tr("open"));
+    auto* status = new VCLED(display, "statusDisplay", false);
+    bind([carrier, status] {
+        carrier->SetBool_ValuePath(QStringLiteral("/receiver/carrier"));
+        status->SetColorIndex_ValuePath(QStringLiteral("/receiver/alarms/status"));
+    });
+    VCLabel* scan = field("scanDisplay", QStringLiteral("/receiver/scan/position"), QStringLiteral("%"));
+    const std::pair<QString, QWidget*> fields[] = {
+        {tr("Mode"), mode}, {tr("Level"), level}, {tr("Carrier"), carrier}, {tr("Status"), status}, {tr("Scan"), scan},
     };
     int column = 1;
-    for (const Field& f : fields) {
-        grid->addWidget(caption(f.caption), 0, column);
-        grid->addWidget(field(f.path, f.format, f.name), 1, column);
+    for (const auto& f : fields) {
+        grid->addWidget(caption(f.first), 0, column);
+        grid->addWidget(f.second, 1, column, Qt::AlignLeft | Qt::AlignVCenter);
         ++column;
     }
     grid->addWidget(caption(tr("Notes")), 2, 1, 1, 1, Qt::AlignBottom);
-    ValueReadout* notes = field(QStringLiteral("/receiver/notes"), {}, "notesDisplay");
-    grid->addWidget(notes, 3, 1, 1, column - 1);
+    VCLabel* notes = field("notesDisplay", QStringLiteral("/receiver/notes"));
+    // A long note must not widen the display: it is cut at the label's edge.
+    notes->setMinimumWidth(1);
+    notes->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    grid->addWidget(notes, 3, 1, 1, 2);
     grid->addWidget(caption(tr("Options")), 2, 3, 1, 1, Qt::AlignBottom);
-    grid->addWidget(field(QStringLiteral("/receiver/options"), {}, "optionsDisplay"), 3, 3, 1, column - 3);
+    VCLabel* options = field("optionsDisplay", QStringLiteral("/receiver/options"));
+    options->setMinimumWidth(1);
+    options->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    grid->addWidget(options, 3, 3, 1, column - 3);
     grid->setColumnStretch(0, 1);
     return display;
 }

@@ -45,6 +45,7 @@ private:
     QWidget* makeButtonPage();
     QWidget* makePositionPage();
     QWidget* makeEntryPage();
+    QWidget* makeMeasurementPage();
     QWidget* makeValueTreePane();
     void makeActions();
     void makeStatusBar();

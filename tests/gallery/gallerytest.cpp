@@ -304,6 +304,53 @@ private Q_SLOTS:
         QCOMPARE(textOf("scan/position"), QString::number(found.toInt() + 6));
     }
 
+    // The measurement page follows the scan: results, history and lamps; the user's flag invalidates the
+    // level, and a click on the recording lamp switches it.
+    void measurementPageFollowsTheScan()
+    {
+        Instrument instrument;
+        instrument.setSeed(3);
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Measurement"));
+        setText("scan/speed", "1");
+        auto* levelBlock = child<QWidget>(window, "RESULT_WIDGET_Level");
+        auto* levelValue = child<VCLabel>(window, "RESULT_MEAS_Level");
+        auto* newest = child<VCLabel>(window, "foundLabel0");
+        auto* older = child<VCLabel>(window, "foundLabel1");
+        auto* copy = child<VCLabel>(window, "foundCopyLabel");
+        auto* invalid = child<VCLabel>(window, "invalidLabel");
+        auto* glowing = child<VCLabel>(window, "luminescentLabel");
+        auto* invalidSwitch = child<VCCheckBox>(window, "levelInvalidCheckBox");
+        QVERIFY(levelBlock && levelValue && newest && older && copy && invalid && glowing && invalidSwitch);
+
+        int step = 0;
+        for (; textOf("carrier") != QLatin1String("true") && step < 200; ++step)
+            instrument.step();
+        QVERIFY2(step < 200, "the scan found no station in its band");
+        const QString level = QString::number(find(rx("level"))->GetValueString().toDouble(), 'f', 1);
+        QCOMPARE(levelValue->text(), level);
+        QCOMPARE(textOf("results/offset/INVALID"), QStringLiteral("false"));
+        QCOMPARE(textOf("alarms/status"), QStringLiteral("3"));
+        // The station found enters the history; the copy repeats it.
+        const QString found = textOf("scan/found") + QStringLiteral(" kHz");
+        QCOMPARE(newest->text(), found);
+        QCOMPARE(copy->text(), found);
+        QCOMPARE(older->text(), QStringLiteral("0 kHz"));
+
+        clickBox(invalidSwitch);
+        QCOMPARE(textOf("results/level/INVALID"), QStringLiteral("true"));
+        QCOMPARE(levelValue->text(), QStringLiteral("- - -"));
+        QCOMPARE(invalid->text(), QStringLiteral("- - -"));
+        QCOMPARE(glowing->text(), level + QStringLiteral(" dBm")); // the last number, in gray
+        clickBox(invalidSwitch);
+        QCOMPARE(levelValue->text(), level);
+
+        auto* record = child<VCLED>(window, "LEDrecord");
+        QVERIFY(record && record->isEnabled());
+        QTest::mouseClick(record->findChild<QLabel*>(QStringLiteral("LEDPictrecord")), Qt::LeftButton);
+        QCOMPARE(textOf("alarms/record"), QStringLiteral("true"));
+    }
+
     void writeShowsInItsRowOnly_data()
     {
         QTest::addColumn<QString>("path");
