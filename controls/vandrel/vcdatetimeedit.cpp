@@ -5,6 +5,7 @@
 #include <QDateTimeEdit>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QSpinBox>
 
 #include <cmath>
@@ -130,8 +131,13 @@ bool VCDateTimeEdit::SetDateTime_ValuePath(const QString& path)
         return true;
     }
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
+    if (!m_pNumericValue)
+        return false;
+    // Shown in whole seconds, a number may be written back, and an observer of that write may delete
+    // the control: it was found all the same.
+    const QPointer<VCDateTimeEdit> alive(this);
     SyncObserver(m_pNumericValue, this);
-    return m_pNumericValue != nullptr;
+    return !alive || m_pNumericValue != nullptr;
 }
 
 void VCDateTimeEdit::SetDifferential(bool differential)

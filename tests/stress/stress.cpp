@@ -654,10 +654,14 @@ std::vector<Driver> makeDrivers()
                     // A half may go up or away from zero.
                     auto up = [scale](double x) { return std::floor(x * scale + 0.5) / scale; };
                     auto away = [scale](double x) { return std::round(x * scale) / scale; };
+                    auto near = [&](double expected) {
+                        return std::abs(n->GetValue() - expected) <= 1e-9 * std::max(1.0, std::abs(expected));
+                    };
+                    // An int value rounds a half up (-59.5 holds -59).
                     auto fits = [&](double expected) {
                         if (h.cells[c.bound[0]].kind == IntNum)
-                            expected = clamp(double(std::llround(expected)));
-                        return std::abs(n->GetValue() - expected) <= 1e-9 * std::max(1.0, std::abs(expected));
+                            return near(clamp(std::floor(expected + 0.5)));
+                        return near(expected);
                     };
                     // A slider on the value takes the number's fraction away as it shows it.
                     auto whole = [&](double expected) {
@@ -976,8 +980,11 @@ std::vector<Driver> makeDrivers()
                 // A number that kept less than it was given is not shown again. In a span the edit then
                 // keeps its time of day apart from the number, while a new day count takes the number's:
                 // the two agree again only when the number is shown anew.
-                if (n->GetValue() == n->GetMinimum() || n->GetValue() == n->GetMaximum() || edit->GetDifferential())
+                if (n->GetValue() == n->GetMinimum() || n->GetValue() == n->GetMaximum() || edit->GetDifferential()) {
+                    // Until the number changes again, also when new limits would take what the edit shows.
+                    c.stale = true;
                     return QString();
+                }
                 stamp = static_cast<long long>(n->GetValue());
             } else {
                 stamp = static_cast<values::Int64Value*>(v)->GetValue();

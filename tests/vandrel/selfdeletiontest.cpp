@@ -360,6 +360,17 @@ const QList<Case>& cases()
          [](QWidget*) { valueAt<values::Int64Value>("/t")->SetValue(30000 * 86400000000LL, nullptr); },
          [] { return valueAt<values::Int64Value>("/t")->GetValue() == 20000 * 86400000000LL; },
          1},
+        {"date-time edit, bound to a number it writes back in whole seconds",
+         [](QWidget* w) {
+             auto* t = add(QStringLiteral("/t"), new values::DoubleNumeric(90061500000.0, 0.0, 1e12));
+             add(QStringLiteral("/s"), new values::Int64Value(0));
+             auto* c = new VCDateTimeEdit(w, "when");
+             c->SetDifferential(true);
+             c->SetDateTime_ValuePath(QStringLiteral("/s")); // enabled by a first value, then rebound
+             return qMakePair<QObject*, Observable*>(c, t);
+         },
+         [](QWidget* c) { QVERIFY(static_cast<VCDateTimeEdit*>(c)->SetDateTime_ValuePath(QStringLiteral("/t"))); },
+         [] { return valueAt<values::DoubleNumeric>("/t")->GetValue() == 90061000000.0; }},
         {"date-time edit, mode switch",
          [](QWidget* w) {
              auto* t = add(QStringLiteral("/t"), new values::Int64Value(1500000));
