@@ -4,6 +4,7 @@
 //
 // Run a Release build. Extra arguments go to Google Benchmark (--benchmark_filter=..., and so on).
 
+#include <vandrel/vclabel.h>
 #include <vandrel/vcslider.h>
 #include <values/values.h>
 
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QDataWidgetMapper>
 #include <QFile>
+#include <QLabel>
 #include <QSlider>
 #include <QStandardItemModel>
 #include <QWidget>
@@ -24,6 +26,7 @@
 #include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -49,6 +52,8 @@ const char* const kBoundDirectWriteBack = "diag/vcslider-writeback-in-sliderchan
 const char* const kMapperEach = "write/qdatawidgetmapper-per-slider";
 const char* const kMapperShared = "write/qdatawidgetmapper-shared";
 const char* const kMapperNamed = "write/qdatawidgetmapper-shared-named-property";
+const char* const kLabelFloor = "label/floor-qlabel-settext";
+const char* const kLabelBound = "label/vclabel-bound";
 const char* const kFindHit = "find/hit";
 const char* const kFindMiss = "find/miss";
 
@@ -194,6 +199,96 @@ void BM_Bound(benchmark::State& state, WriteBack writeBack)
                 state.SkipWithError("the number did not keep the last write");
         }
     } // the sliders detach before the number goes
+    values::Tree::Instance()->Remove(path);
+}
+
+// The labels' cases: each write is a new number, shown with one decimal and a unit.
+class NumberSource : public QObject
+{
+    Q_OBJECT
+Q_SIGNALS:
+    void changed(double value);
+};
+
+Q_NEVER_INLINE void bench_writeShown(NumberSource& source, double value)
+{
+    Q_EMIT source.changed(value);
+}
+
+Q_NEVER_INLINE void bench_writeDouble(values::IValueNumeric* numeric, double value)
+{
+    numeric->SetValue(value, nullptr);
+}
+
+// Cycles through 1,000 numbers a tenth apart, so that every write changes every label's text.
+double nthNumber(int i)
+{
+    return double(i % 1000) / 10.0;
+}
+
+QString shownNumber(double value)
+{
+    return QString::number(value, 'f', 1) + QLatin1String(" dBm");
+}
+
+void requireLabelsAt(benchmark::State& state, const std::vector<QLabel*>& labels, double expected)
+{
+    for (const QLabel* label : labels) {
+        if (label->text() != shownNumber(expected)) {
+            state.SkipWithError("a label did not follow the writes");
+            return;
+        }
+    }
+}
+
+// The floor: plain labels, each formatting the number itself in a slot connected by hand.
+void BM_LabelFloor(benchmark::State& state)
+{
+    const int count = int(state.range(0));
+    QWidget container;
+    NumberSource source;
+    std::vector<QLabel*> labels;
+    for (int i = 0; i < count; ++i) {
+        auto* label = new QLabel(&container);
+        QObject::connect(&source, &NumberSource::changed, label, [label](double value) { label->setText(shownNumber(value)); });
+        labels.push_back(label);
+    }
+    int n = 0;
+    for (auto _ : state)
+        bench_writeShown(source, nthNumber(++n));
+    requireLabelsAt(state, labels, nthNumber(n));
+}
+
+void BM_LabelBound(benchmark::State& state)
+{
+    const int count = int(state.range(0));
+    const QString path = QStringLiteral("/bench/labels/n%1").arg(count);
+    auto* number = new values::DoubleNumeric(0.0, -1e9, 1e9);
+    if (!values::Tree::Instance()->Add(path, number)) {
+        delete number;
+        state.SkipWithError("the number could not be added to the tree");
+        return;
+    }
+    {
+        QWidget container;
+        std::vector<QLabel*> labels;
+        bool bound = true;
+        for (int i = 0; i < count; ++i) {
+            auto* label = new VCLabel(&container, "level", 0);
+            label->SetSuffix(QStringLiteral("dBm"));
+            label->SetFormat(3, 1, 1.0);
+            bound = label->SetText_ValuePath(path, true) && bound;
+            labels.push_back(label);
+        }
+        if (!bound) {
+            state.SkipWithError("a label did not bind");
+        } else {
+            int n = 0;
+            for (auto _ : state)
+                bench_writeDouble(number, nthNumber(++n));
+            requireLabelsAt(state, labels, nthNumber(n));
+        }
+    }
     values::Tree::Instance()->Remove(path);
 }
 
@@ -470,6 +565,27 @@ void printSummary(const CollectingReporter& reporter)
         }
     }
 
+    std::printf("\nOne number reaching N labels, each showing it with one decimal and a unit:\n\n");
+    std::printf("  %-44s %5s %12s %11s %9s\n", "case", "N", "ns/write", "ns/label", "median x");
+    for (const int count : kFanOuts) {
+        const Result* labelFloor = reporter.Find(kLabelFloor, count);
+        for (const auto& c : {std::make_pair(kLabelFloor, "QLabel::setText by hand (floor)"),
+                              std::make_pair(kLabelBound, "VCLabel bound to one number")}) {
+            const Result* result = reporter.Find(c.first, count);
+            if (!result)
+                continue;
+            if (!result->error.empty()) {
+                std::printf("  %-44s %5d   FAILED: %s\n", c.second, count, result->error.c_str());
+                continue;
+            }
+            std::printf("  %-44s %5d %12.0f %11.1f", c.second, count, result->cpuNs, result->cpuNs / count);
+            if (usable(labelFloor))
+                std::printf(" %8.2fx\n", result->cpuNs / labelFloor->cpuNs);
+            else
+                std::printf(" %9s\n", "-");
+        }
+    }
+
     const int largest = kFanOuts[sizeof(kFanOuts) / sizeof(kFanOuts[0]) - 1];
     const Result* floor = reporter.Find(kFloor, largest);
     const Result* bound = reporter.Find(kBound, largest);
@@ -531,6 +647,8 @@ int main(int argc, char** argv)
         withBest(benchmark::RegisterBenchmark(kMapperNamed, BM_MapperShared, true)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kBoundNoWriteBack, BM_Bound, WriteBack::Removed)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kBoundDirectWriteBack, BM_Bound, WriteBack::InSliderChange)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kLabelFloor, BM_LabelFloor)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kLabelBound, BM_LabelBound)->Arg(count));
     }
 
     CollectingReporter reporter(isatty(fileno(stdout)) ? benchmark::ConsoleReporter::OO_Defaults
