@@ -137,8 +137,12 @@ struct Harness
         if (!QTest::qWaitForWindowActive(&panel))
             qWarning("the panel did not become active");
         for (int i = 0; i < kCells; ++i) {
-            cells[i].path = QStringLiteral("/stress/v%1").arg(i);
+            // Each value is a result's VALUE, beside a name, a unit and an invalid flag that stay.
+            cells[i].path = QStringLiteral("/stress/v%1/VALUE").arg(i);
             addValue(i, Kind(i % KindCount));
+            values::Tree::Instance()->Add(branchOf(i) + QLatin1String("/NAME"), new values::StringValue(QStringLiteral("Level")));
+            values::Tree::Instance()->Add(branchOf(i) + QLatin1String("/UNIT"), new values::StringValue(QStringLiteral("dB")));
+            values::Tree::Instance()->Add(branchOf(i) + QLatin1String("/INVALID"), new values::BoolValue(false));
         }
         // Range boxes of entry fields are answered from a timer, as a user would, or the field is
         // deleted while its box stands when the step asks for that.
@@ -230,6 +234,12 @@ struct Harness
     values::IValueNumeric* numeric(int s) const
     {
         return s >= 0 && cells[s].value ? dynamic_cast<values::IValueNumeric*>(cells[s].value) : nullptr;
+    }
+    // The result branch of a cell: its path without the final "/VALUE".
+    QString branchOf(int s) const { return cells[s].path.left(cells[s].path.size() - 6); }
+    values::BoolValue* invalidFlagOf(int s) const
+    {
+        return dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(branchOf(s) + QLatin1String("/INVALID")));
     }
     // A slider or scroll bar on the cell shows a number as a whole one and writes that back.
     bool wholeNumberEcho(int s) const
@@ -1007,6 +1017,41 @@ std::vector<Driver> makeDrivers()
             if ((shown.date() == midnight.date() && midnight.secsTo(shown) == secs) || (shown < midnight && secs == 0))
                 return QString();
             return expectEqual("moment", shown.toUTC().toString(Qt::ISODate), held.toUTC().toString(Qt::ISODate));
+        };
+        ds.push_back(d);
+    }
+    { // VCMeasurementWidget: three labels on a cell's result branch; the application flags it invalid.
+        Driver d;
+        d.name = "VCMeasurementWidget";
+        d.roles = 1;
+        d.followsState = false; // its labels follow the values' states, the block does not
+        d.create = [](Harness& h, Control&) { return new VCMeasurementWidget(&h.panel, VCMeasurementWidget::MeasurementWidgetType(0)); };
+        d.accepts = [](int, Kind) { return true; };
+        d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCMeasurementWidget>()->SetValueTreePath(h.branchOf(s)); };
+        d.input = [](Harness& h, Control& c) {
+            if (c.bound[0] >= 0 && h.chance(0.5)) {
+                values::BoolValue* flag = h.invalidFlagOf(c.bound[0]);
+                h.did += QStringLiteral(" flag invalid %1").arg(!flag->GetValue());
+                flag->SetValue(!flag->GetValue(), nullptr);
+            } else {
+                h.click(c.as<VCMeasurementWidget>());
+            }
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* block = c.as<VCMeasurementWidget>();
+            auto* value = block->findChild<VCLabel*>(QStringLiteral("RESULT_MEAS_Level"));
+            if (!value)
+                return QStringLiteral("no value label named after the result");
+            // Disabled, the label ignores changes, and once enabled it waits for the next one.
+            if (!value->isEnabled()) {
+                c.stale = true;
+                return QString();
+            }
+            if (h.invalidFlagOf(c.bound[0])->GetValue())
+                return expectEqual("result", value->text(), QStringLiteral("- - -"));
+            const QString held = h.numeric(c.bound[0]) ? QString::number(h.numeric(c.bound[0])->GetValue(), 'f', 1)
+                                                       : h.cells[c.bound[0]].value->GetValueString();
+            return expectEqual("result", value->text(), held);
         };
         ds.push_back(d);
     }
