@@ -90,7 +90,7 @@ VCDateTimeEdit::VCDateTimeEdit(QWidget* parent, const char* name)
     m_pDaysEdit->hide();
     const QString strName = QString::fromUtf8(name);
     setObjectName(strName);
-    // Day zero is local midnight of 1970-01-01 until a time spec is chosen. An invalid upper date makes Qt ignore the pair: no limit holds until a time spec is chosen.
+    // Day zero is local midnight of 1970-01-01 until a time zone is chosen. An invalid upper date makes Qt ignore the pair: no limit holds until then.
     m_pDateTimeEdit->setDateRange(m_dtEpoch.date(), QDate());
     setGeometry(10, 30, 180, 20);
     setToolTip(strName);
@@ -179,14 +179,14 @@ void VCDateTimeEdit::SetDaysVisible(bool visible)
     m_pDaysEdit->setVisible(visible);
 }
 
-void VCDateTimeEdit::ChangeToTimeSpec(Qt::TimeSpec spec)
+void VCDateTimeEdit::ChangeToTimeSpec(Qt::TimeSpec zone)
 {
-    m_dtEpoch = QDateTime(QDate(1970, 1, 1), QTime(0, 0), spec);
-    const QDateTime last(QDate(4000, 12, 31), QTime(23, 59, 59), spec);
-    // The moves Qt makes on the way to the new spec and limits are not written; the moment the edit
+    m_dtEpoch = QDateTime(QDate(1970, 1, 1), QTime(0, 0), zone);
+    const QDateTime last(QDate(4000, 12, 31), QTime(23, 59, 59), zone);
+    // The moves Qt makes on the way to the new zone and limits are not written; the moment the edit
     // ends with is.
     muteTimeEdit();
-    m_pDateTimeEdit->setTimeSpec(spec);
+    m_pDateTimeEdit->setTimeSpec(zone);
     m_pDateTimeEdit->setMinimumDateTime(m_dtEpoch);
     m_pDateTimeEdit->setMaximumDateTime(last);
     unmuteTimeEdit();
@@ -413,7 +413,7 @@ void VCDateTimeEdit::unmuteTimeEdit()
 
 QDateTime VCDateTimeEdit::dateTimeFromTimeStamp(const long long& stamp)
 {
-    // The edit's own moment, so that the result keeps its time spec.
+    // The edit's own moment, so that the result keeps its time zone.
     QDateTime dateTime = m_pDateTimeEdit->dateTime();
     setSecs32(dateTime, stamp / 1000000);
     return dateTime;
@@ -431,7 +431,7 @@ long long VCDateTimeEdit::dateTimeToTimeStamp(QDateTime dateTime)
 {
     const qint32 d = cut32(dateTime.daysTo(m_dtEpoch));
     if (d < 0) {
-        // From the start of its day in UTC, whatever the time spec: no zone or daylight saving counts.
+        // From the start of its day in UTC, whatever the zone: no offset or daylight saving counts.
         const qint64 base = -qint64(d) * 86400;
         QDateTime start;
         setSecs32(start, base);

@@ -29,7 +29,7 @@ class QSpinBox;
  * (-20000 to 20000) and the edit the rest as "hh:mm:ss", all in UTC so that no daylight-saving change
  * shifts a span. Changing the mode writes the moment the edit holds before the value is shown again.
  * A moment before 1970 is written as 0; a moment on the first day counts from midnight in the edit's
- * own time spec.
+ * own time zone (local time or UTC).
  *
  * Binds to a values::Value<long long>, or else to a number (values::IValueNumeric, written as double).
  * Unbound, the control is disabled and writes nothing; bound, the value's state enables and disables
@@ -55,10 +55,10 @@ public:
     /// Shows or hides the days and their caption, without changing the mode.
     void SetDaysVisible(bool visible);
     /**
-     * \brief Makes 1970-01-01 00:00:00 in \a spec day zero and the edit's lower limit (4000-12-31
+     * \brief Makes 1970-01-01 00:00:00 in \a zone day zero and the edit's lower limit (4000-12-31
      * 23:59:59 its upper one), and writes the moment the edit holds.
      */
-    void ChangeToTimeSpec(Qt::TimeSpec spec);
+    void ChangeToTimeSpec(Qt::TimeSpec zone);
     QSpinBox* GetDaysEdit();
     QDateTimeEdit* GetTimeEdit();
 

@@ -122,7 +122,7 @@ private Q_SLOTS:
     void cleanup() { tree().Clear(); }
 
     // The edit has no limits and the toolkit's format until a mode is chosen; the mode brings its
-    // format, time spec, limits and the days.
+    // format, time zone, limits and the days.
     void modes()
     {
         QWidget window;
