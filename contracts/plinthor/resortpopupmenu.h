@@ -10,6 +10,7 @@
 #include <QString>
 
 class QAction;
+class QActionEvent;
 class QShowEvent;
 
 /**
@@ -100,7 +101,13 @@ private:
     };
 
     void init();
+    void noteActionChange(QActionEvent* event);
 
     QHash<QAction*, Route> m_routes;
+    // findItem() answers from an index of ids, first entry of each id in menu order, rebuilt after the
+    // entries or their order or ids changed: a check mark on one of thousands of entries costs one lookup.
+    QHash<int, QAction*> m_idIndex;
+    QHash<QAction*, int> m_idOf;
+    bool m_bIdIndexStale = true;
     SortMode m_eSortMode = SortByIndex;
 };

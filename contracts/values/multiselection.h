@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
+#include <unordered_map>
 #include <vector>
 
 namespace values {
@@ -206,9 +208,14 @@ private:
     };
     Entry* find(unsigned key);
     bool setChecked(Entry& entry, bool checked);
+    bool uncheckAllBut(long keep);
     void entriesChanged();
 
     std::vector<Entry> m_items;
+    // Key lookups and check marks cost the same for ten items and for ten thousand: the place of each
+    // key in m_items, and the checked keys in ascending order.
+    std::unordered_map<unsigned, size_t> m_index;
+    std::set<unsigned> m_checked;
     MultiSelectionChangeLog m_log;
     int m_nSelectionMode;
     bool m_bHasNoneEntry = false;

@@ -61,11 +61,20 @@ MultiSelectionValueBase::~MultiSelectionValueBase()
 
 MultiSelectionValueBase::Entry* MultiSelectionValueBase::find(unsigned key)
 {
-    for (Entry& entry : m_items) {
-        if (entry.key == key)
-            return &entry;
+    const auto it = m_index.find(key);
+    return it == m_index.end() ? nullptr : &m_items[it->second];
+}
+
+bool MultiSelectionValueBase::uncheckAllBut(long keep)
+{
+    // Walks the checked keys only; a copy, since unchecking erases from the set.
+    const std::vector<unsigned> checked(m_checked.begin(), m_checked.end());
+    bool changed = false;
+    for (unsigned key : checked) {
+        if (long(key) != keep)
+            changed |= setChecked(m_items[m_index[key]], false);
     }
-    return nullptr;
+    return changed;
 }
 
 bool MultiSelectionValueBase::setChecked(Entry& entry, bool checked)
@@ -73,6 +82,10 @@ bool MultiSelectionValueBase::setChecked(Entry& entry, bool checked)
     if (entry.item.IsChecked() == checked)
         return false;
     entry.item.SetChecked(checked);
+    if (checked)
+        m_checked.insert(entry.key);
+    else
+        m_checked.erase(entry.key);
     m_log.Add(MultiSelectionChange::ItemCheckedKind, entry.key);
     return true;
 }
@@ -90,12 +103,8 @@ bool MultiSelectionValueBase::SetItemChecked(int key, bool checked, IObserver* o
         return false;
     UndoStep step(this);
     bool changed = false;
-    if (checked && m_nSelectionMode == 1) {
-        for (Entry& other : m_items) {
-            if (&other != entry)
-                changed |= setChecked(other, false);
-        }
-    }
+    if (checked && m_nSelectionMode == 1)
+        changed |= uncheckAllBut(long(entry->key));
     changed |= setChecked(*entry, checked);
     if (!changed)
         return true;
@@ -118,9 +127,7 @@ bool MultiSelectionValueBase::IsItemEnabled(int key)
 void MultiSelectionValueBase::UncheckAll(IObserver* originator)
 {
     UndoStep step(this);
-    bool changed = false;
-    for (Entry& entry : m_items)
-        changed |= setChecked(entry, false);
+    const bool changed = uncheckAllBut(-1);
     if (!changed)
         return;
     step.Done();
@@ -136,13 +143,7 @@ void MultiSelectionValueBase::GetKeys(std::vector<unsigned int>& keys) const
 
 std::vector<unsigned int> MultiSelectionValueBase::GetCheckedKeys() const
 {
-    std::vector<unsigned int> keys;
-    for (const Entry& entry : m_items) {
-        if (entry.item.IsChecked())
-            keys.push_back(entry.key);
-    }
-    std::sort(keys.begin(), keys.end());
-    return keys;
+    return std::vector<unsigned int>(m_checked.begin(), m_checked.end());
 }
 
 bool MultiSelectionValueBase::SetCheckedKeys(const std::vector<unsigned int>& keys, IObserver* originator)
@@ -155,8 +156,10 @@ bool MultiSelectionValueBase::SetCheckedKeys(const std::vector<unsigned int>& ke
     }
     UndoStep step(this);
     bool changed = false;
+    std::vector<unsigned int> wanted(keys);
+    std::sort(wanted.begin(), wanted.end());
     for (Entry& entry : m_items)
-        changed |= setChecked(entry, std::find(keys.begin(), keys.end(), entry.key) != keys.end());
+        changed |= setChecked(entry, std::binary_search(wanted.begin(), wanted.end(), entry.key));
     if (!changed)
         return true;
     step.Done();
@@ -182,17 +185,11 @@ bool MultiSelectionValueBase::SetValueFromText(const QString& text, IObserver* o
 
 QString MultiSelectionValueBase::GetValueString() const
 {
-    std::vector<const Entry*> checked;
-    for (const Entry& entry : m_items) {
-        if (entry.item.IsChecked())
-            checked.push_back(&entry);
-    }
-    if (checked.empty())
+    if (m_checked.empty())
         return m_bHasNoneEntry ? m_strNoneEntry : QString();
-    std::sort(checked.begin(), checked.end(), [](const Entry* a, const Entry* b) { return a->key < b->key; });
     QStringList names;
-    for (const Entry* entry : checked)
-        names << entry->item.GetName();
+    for (unsigned key : m_checked)
+        names << m_items[m_index.at(key)].item.GetName();
     return names.join(QLatin1String(", "));
 }
 
@@ -200,11 +197,12 @@ bool MultiSelectionValueBase::AddItem(unsigned key, const QString& name, bool ch
 {
     if (find(key))
         return false;
-    if (checked && m_nSelectionMode == 1) {
-        for (Entry& other : m_items)
-            setChecked(other, false);
-    }
+    if (checked && m_nSelectionMode == 1)
+        uncheckAllBut(-1);
+    m_index.emplace(key, m_items.size());
     m_items.push_back(Entry{key, StringMultiSelectionItem(name, checked, enabled)});
+    if (checked)
+        m_checked.insert(key);
     m_log.Add(MultiSelectionChange::ItemAddedKind, key);
     Notify(ItemAdded, nullptr);
     return true;
@@ -225,6 +223,8 @@ bool MultiSelectionValueBase::SetItemEnabled(unsigned key, bool enabled, IObserv
 void MultiSelectionValueBase::ClearItems(IObserver* originator)
 {
     m_items.clear();
+    m_index.clear();
+    m_checked.clear();
     m_log.Add(MultiSelectionChange::ItemsClearedKind, 0);
     Notify(ItemsCleared, originator);
 }

@@ -14,6 +14,16 @@ namespace {
 // The index an entry was given by insertItem(); entries without one carry none.
 const char* const kIndexProperty = "plinthor_resortIndex";
 
+// The id findItem() knows an entry by: an integer data on an entry that is no separator.
+bool idOf(const QAction* action, int& id)
+{
+    if (action->isSeparator())
+        return false;
+    bool ok = false;
+    id = action->data().toInt(&ok);
+    return ok;
+}
+
 int sortIndexOf(const QAction* action)
 {
     bool ok = false;
@@ -86,14 +96,21 @@ QAction* ResortPopupMenu::insertItem(QString text, const QObject* receiver, cons
 
 QAction* ResortPopupMenu::findItem(int id)
 {
-    const QList<QAction*> present = actions();
-    for (QAction* action : present) {
-        bool ok = false;
-        const int actionId = action->data().toInt(&ok);
-        if (ok && actionId == id && !action->isSeparator())
-            return action;
+    if (m_bIdIndexStale) {
+        m_idIndex.clear();
+        m_idOf.clear();
+        const QList<QAction*> present = actions();
+        for (QAction* action : present) {
+            int actionId = 0;
+            if (!idOf(action, actionId))
+                continue;
+            m_idOf.insert(action, actionId);
+            if (!m_idIndex.contains(actionId))
+                m_idIndex.insert(actionId, action);
+        }
+        m_bIdIndexStale = false;
     }
-    return nullptr;
+    return m_idIndex.value(id, nullptr);
 }
 
 void ResortPopupMenu::setItemChecked(int id, bool checked)
@@ -183,6 +200,23 @@ void ResortPopupMenu::actionEvent(QActionEvent* event)
     QMenu::actionEvent(event);
     if (event->type() == QEvent::ActionRemoved)
         m_routes.remove(event->action());
+    noteActionChange(event);
+}
+
+void ResortPopupMenu::noteActionChange(QActionEvent* event)
+{
+    if (m_bIdIndexStale)
+        return;
+    if (event->type() != QEvent::ActionChanged) {
+        m_bIdIndexStale = true;
+        return;
+    }
+    // Most changes are check marks, texts and enabled flags, which leave the index as it is.
+    int id = 0;
+    const bool hasId = idOf(event->action(), id);
+    const auto known = m_idOf.constFind(event->action());
+    if (hasId != (known != m_idOf.constEnd()) || (hasId && known.value() != id))
+        m_bIdIndexStale = true;
 }
 
 void ResortPopupMenu::slotSignalRouter(QAction* action)

@@ -69,6 +69,19 @@ private Q_SLOTS:
         menu.setItemChecked(9, false);
         QVERIFY(!far->isChecked());
 
+        // The id lookup follows what happens to the entries after it was last asked.
+        far->setData(8);
+        QCOMPARE(menu.findItem(8), far);
+        QVERIFY(!menu.findItem(9));
+        QAction* twin = menu.insertItem(QStringLiteral("twin"), 3, 0); // the same id, now first
+        QCOMPARE(menu.findItem(3), twin);
+        menu.removeAction(twin);
+        QCOMPARE(menu.findItem(3), front);
+        front->setSeparator(true);
+        QVERIFY(!menu.findItem(3));
+        front->setSeparator(false);
+        delete twin;
+
         menu.EnableAllEntries(false);
         QVERIFY(!a->isEnabled() && !far->isEnabled());
         menu.EnableEntry(QStringLiteral("far"), true);

@@ -112,6 +112,16 @@ private Q_SLOTS:
         QCOMPARE(kinds(*slog), (QList<int>{2, 2, 6, 6}));
         QCOMPARE(slog->GetAt(2).key, quint32(1));
         QCOMPARE(slog->GetAt(3).key, quint32(2));
+
+        // Items cleared and added again under the same keys start unchecked, whatever they were.
+        single.ClearItems();
+        QVERIFY(!single.GetItemByKey(2) && !single.IsItemChecked(2));
+        QVERIFY(single.AddItem(2, QStringLiteral("b again")));
+        QVERIFY(single.AddItem(7, QStringLiteral("c"), true));
+        QCOMPARE(single.GetItemByKey(2)->GetName(), QStringLiteral("b again"));
+        QCOMPARE(single.GetCheckedKeys(), (std::vector<unsigned>{7}));
+        QVERIFY(single.SetItemChecked(2, true, nullptr));
+        QCOMPARE(single.GetValueString(), QStringLiteral("b again"));
     }
 
     void changeLogWrapsAround_data()
