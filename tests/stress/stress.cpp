@@ -210,6 +210,9 @@ struct Harness
             auto* multi = new values::StringMultiSelection(kind == MultiOne ? 1 : 0);
             for (unsigned k = 0; k < 4; ++k)
                 multi->AddItem(k * 3, QStringLiteral("m%1").arg(k), chance(0.4));
+            // A journal shorter than one write's changes: readers must notice the loss and rebuild.
+            if (chance(0.5))
+                multi->SetChangeLogCapacity(2 + pick(2));
             v = multi;
             break;
         }
@@ -1254,6 +1257,17 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         if (h.chance(0.2)) {
             m->UncheckAll(nullptr);
             return QStringLiteral("uncheck all %1").arg(cell.path);
+        }
+        if (h.chance(0.2)) {
+            // Many marks at once, one notification: more changes than a short journal holds.
+            std::vector<unsigned> keys;
+            std::vector<unsigned> all;
+            m->GetKeys(all);
+            for (unsigned k : all)
+                if (h.chance(0.5) && (cell.kind == MultiMany || keys.empty()))
+                    keys.push_back(k);
+            m->SetCheckedKeys(keys, nullptr);
+            return QStringLiteral("check %1 items %2 at once").arg(cell.path).arg(keys.size());
         }
         const bool on = h.chance(0.5);
         m->SetItemChecked(int(key), on, nullptr);
