@@ -170,6 +170,18 @@ QObject* makeLed(QWidget* host)
     return new VCLED(host, "badinput", true);
 }
 
+// A list bound to the multi-selection, with its journal steps open to the test.
+struct OpenMultipleCheck : VCMultipleCheck
+{
+    explicit OpenMultipleCheck(QWidget* host)
+        : VCMultipleCheck(host, "badinput")
+    {
+        SetCheckedStringVector_ValuePath(kMulti);
+    }
+    using VCMultipleCheck::ApplyChange;
+    using VCMultipleCheck::Key2Index;
+};
+
 const QList<Probe>& probes()
 {
     using Spin = VCNumericFloatSpin;
@@ -233,6 +245,8 @@ const QList<Probe>& probes()
         {"VCMeasurementWidget::SetValueTreePath", {},
          [](QWidget* host) -> QObject* { return new VCMeasurementWidget(host, VCMeasurementWidget::Level); },
          byPath(&VCMeasurementWidget::SetValueTreePath)},
+        {"VCMultipleCheck::SetCheckedStringVector_ValuePath", {kMulti}, make<VCMultipleCheck>,
+         byPath(&VCMultipleCheck::SetCheckedStringVector_ValuePath)},
     };
     return list;
 }
@@ -408,6 +422,8 @@ private Q_SLOTS:
         rows("VCDateTimeEdit::ChangeToTimeSpec", {{"LocalTime", 0.0}, {"UTC", 1.0}, {"OffsetFromUTC", 2.0}, {"TimeZone", 3.0}},
              kDouble);
         rows("VCDateTimeEdit days", ints, kDouble);
+        rows("VCMultipleCheck::slotStateChanged", ints);
+        rows("VCMultipleCheck journal entries", ints);
 
     }
 
@@ -656,6 +672,17 @@ private Q_SLOTS:
                  VCLabel* label = boundLabel(host, true);
                  label->SetAlignmentNoValue(n);
                  label->SetDisplayNoValue(false);
+             }},
+            // The argument is not read: every row is written as it stands, which changes nothing.
+            {"VCMultipleCheck::slotStateChanged", [](QWidget* host, double, int n) { OpenMultipleCheck(host).slotStateChanged(n); }},
+            // Entries of any kind for keys the list lacks: a rebuild at most, never a write.
+            {"VCMultipleCheck journal entries",
+             [](QWidget* host, double, int n) {
+                 OpenMultipleCheck list(host);
+                 for (int kind : {n, 3, 5, 6})
+                     list.ApplyChange(char(kind), static_cast<unsigned long>(n));
+                 QCOMPARE(list.Key2Index(static_cast<unsigned int>(n)), -1);
+                 QCOMPARE(list.topLevelItemCount(), 2);
              }},
         };
         QVERIFY2(setters.contains(setter), qPrintable(setter));
