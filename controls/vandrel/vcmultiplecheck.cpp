@@ -62,8 +62,8 @@ VCMultipleCheck::~VCMultipleCheck()
     // The rows and boxes outlive this part of the list; none may call into it from here on.
     disconnect(m_rowsReset);
     disconnect(m_rowsRemoved);
-    for (auto it = m_mapBoxRow.constBegin(); it != m_mapBoxRow.constEnd(); ++it)
-        disconnect(it.key(), nullptr, this, nullptr);
+    for (QCheckBox* box : viewport()->findChildren<QCheckBox*>(QString(), Qt::FindDirectChildrenOnly))
+        disconnect(box, nullptr, this, nullptr);
 }
 
 bool VCMultipleCheck::SetCheckedStringVector_ValuePath(const QString& path)
@@ -75,7 +75,6 @@ bool VCMultipleCheck::SetCheckedStringVector_ValuePath(const QString& path)
     m_vecRowKeys.clear();
     m_mapKeyRow.clear();
     m_mapBoxRow.clear();
-    m_mapItemRow.clear();
     m_ullChangeLogIndex = 0;
 
     m_pCheckedStringVector = FindAndAttach<values::CheckedStringVector>(path, nullptr, this);
