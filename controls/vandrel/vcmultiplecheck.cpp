@@ -171,20 +171,16 @@ void VCMultipleCheck::SetVector()
     if (m_pCheckedStringVector && !m_vecCheckedStrings.empty()) {
         const int count = int(m_vecCheckedStrings.size());
         m_vecItems.assign(size_t(count), nullptr);
-        m_mapBoxRow.reserve(count);
-        m_mapItemRow.reserve(count);
-        // From the last to the first: each new row goes to the top.
         for (int i = count - 1; i >= 0; --i) {
-            auto* row = new CheckSortListViewItem(this, m_vecCheckedStrings[size_t(i)].GetString(), none, none, none,
+            auto* row = new CheckSortListViewItem(nullptr, m_vecCheckedStrings[size_t(i)].GetString(), none, none, none,
                                                   none, none, none, none);
             m_vecItems[size_t(i)] = row;
             QCheckBox* box = row->GetCheckBox();
             box->setChecked(m_vecCheckedStrings[size_t(i)].GetChecked());
             // Connected only now, so that showing the mark writes nothing.
             connect(box, SIGNAL(stateChanged(int)), this, SLOT(slotStateChanged(int)));
-            m_mapBoxRow.insert(box, i);
-            m_mapItemRow.insert(row, i);
         }
+        showRows();
         return;
     }
     if (!m_pMultiSelection)
@@ -198,22 +194,42 @@ void VCMultipleCheck::SetVector()
     m_vecItems.assign(keys.size(), nullptr);
     m_vecRowKeys = keys;
     m_mapKeyRow.reserve(int(keys.size()));
-    m_mapBoxRow.reserve(int(keys.size()));
-    m_mapItemRow.reserve(int(keys.size()));
     const values::ValueBase* base = m_pMultiSelection->GetValueBase();
     for (int i = int(keys.size()) - 1; i >= 0; --i) {
         m_mapKeyRow.insert(keys[size_t(i)], i);
         values::IMultiSelectionItem* item = m_pMultiSelection->GetItemByKey(int(keys[size_t(i)]));
         if (!item)
             continue;
-        auto* row = new CheckSortListViewItem(this, TranslateItemName(base, item->GetName()), none, none, none, none,
+        auto* row = new CheckSortListViewItem(nullptr, TranslateItemName(base, item->GetName()), none, none, none, none,
                                               none, none, none);
         m_vecItems[size_t(i)] = row;
         QCheckBox* box = row->GetCheckBox();
         box->setChecked(item->IsChecked());
         box->setEnabled(item->IsEnabled());
         connect(box, SIGNAL(stateChanged(int)), this, SLOT(slotStateChanged(int)));
-        m_mapBoxRow.insert(box, i);
+    }
+    showRows();
+}
+
+// Puts the rows made into the list in one insertion, in their order, each with its box. Made one by
+// one at the top, every row would move the places of all the boxes below it: quadratic in the rows.
+void VCMultipleCheck::showRows()
+{
+    QList<QTreeWidgetItem*> rows;
+    rows.reserve(int(m_vecItems.size()));
+    for (CheckSortListViewItem* row : m_vecItems) {
+        if (row)
+            rows << row;
+    }
+    insertTopLevelItems(0, rows);
+    m_mapBoxRow.reserve(rows.size());
+    m_mapItemRow.reserve(rows.size());
+    for (int i = 0; i < int(m_vecItems.size()); ++i) {
+        CheckSortListViewItem* row = m_vecItems[size_t(i)];
+        if (!row)
+            continue;
+        setItemWidget(row, 0, row->GetCheckBox());
+        m_mapBoxRow.insert(row->GetCheckBox(), i);
         m_mapItemRow.insert(row, i);
     }
 }

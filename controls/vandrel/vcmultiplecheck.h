@@ -69,6 +69,7 @@ protected:
 
 private:
     QCheckBox* boxOfRow(int row) const;
+    void showRows();
     void rowsLeaving(int first, int last);
     bool writeRows(int single);
 
