@@ -139,6 +139,10 @@ void VCMultipleCheck::Update(Observable* source, TChangeCode code)
         const char kind = static_cast<char>(entry->kind);
         const unsigned long key = entry->key;
         ++m_ullChangeLogIndex;
+        // A rebuild reads the value as it stands, which already holds what the later entries tell:
+        // they are passed over, so that items added in one go rebuild the rows once, not once each.
+        if (entry->kind == values::MultiSelectionChange::ItemsRebuilt || entry->kind == values::MultiSelectionChange::ItemAddedKind)
+            m_ullChangeLogIndex = log->GetNextSequence();
         ApplyChange(kind, key);
         if (!alive)
             return;

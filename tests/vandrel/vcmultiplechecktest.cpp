@@ -311,8 +311,19 @@ private Q_SLOTS:
         auto* multi = addMulti({30, 10, 20});
         multi->SetChangeLogCapacity(4);
         Probe list(nullptr, "list");
-        QVERIFY(list.SetCheckedStringVector_ValuePath(kMulti));
         QSignalSpy rebuilt(list.model(), &QAbstractItemModel::modelReset);
+        // Three items added: one rebuild reads them all.
+        QVERIFY(list.SetCheckedStringVector_ValuePath(kMulti));
+        QCOMPARE(rebuilt.count(), 1);
+        {
+            values::ValueTransaction batch = multi->CreateTransaction(ItemAdded, nullptr);
+            multi->AddItem(5, QStringLiteral("k5"));
+            multi->AddItem(6, QStringLiteral("k6"));
+            multi->SetItemChecked(5, true, nullptr);
+        }
+        QCOMPARE(rebuilt.count(), 2);
+        QCOMPARE(rows(list), QStringList({"k5:1", "k6:0", "k10:0", "k20:1", "k30:0"}));
+        rebuilt.clear();
 
         // More changes than the journal keeps, told at once: exactly one rebuild, and the rows match.
         {
@@ -327,7 +338,7 @@ private Q_SLOTS:
         // A clear takes the rows away, and entries for their keys find nothing until a rebuild.
         multi->ClearItems();
         QCOMPARE(list.topLevelItemCount(), 0);
-        QCOMPARE(list.Key2Index(20), 1);
+        QCOMPARE(list.Key2Index(20), 3);
         rebuilt.clear();
         list.ApplyChange(6, 20);
         list.ApplyChange(5, 20);
