@@ -15,20 +15,13 @@ const QString kMulti = QStringLiteral("/panel/multi");
 
 values::Tree& tree() { return *values::Tree::Instance(); }
 
-QStringList recordings()
-{
-    const auto list = values::UndoRecordingsToValueClient(kRoot).GetUndoRecordingDescriptions();
-    return QStringList(list.begin(), list.end());
-}
+int recordings() { return values::UndoRecorder::Instance().Count(); }
+bool undo(unsigned count) { return values::UndoRecordingsToValueClient(kRoot).ExecuteUndo(count); }
 
 // Counts what reaches the value, so that a test sees writes that change nothing and the cost of a change.
-class CountingMulti : public values::StringMultiSelection
+struct CountingMulti : values::StringMultiSelection
 {
-public:
-    CountingMulti()
-        : values::StringMultiSelection(0)
-    {
-    }
+    CountingMulti() : values::StringMultiSelection(0) {}
     bool SetItemChecked(int key, bool checked, IObserver* originator) override
     {
         ++writes;
@@ -43,33 +36,9 @@ public:
     mutable int keyFetches = 0;
 };
 
-// Counts the ValueChanged notifications of a value.
-struct Listener : IObserver
-{
-    explicit Listener(Observable* value)
-        : watched(value)
-    {
-        value->Attach(this);
-    }
-    ~Listener() override
-    {
-        if (watched)
-            watched->Detach(this);
-    }
-    void Update(Observable*, TChangeCode code) override
-    {
-        changes += code == ValueChanged;
-        if (code == ValueDestroyed)
-            watched = nullptr;
-    }
-    Observable* watched;
-    int changes = 0;
-};
-
 // Opens the list's protected steps to the test.
-class Probe : public VCMultipleCheck
+struct Probe : VCMultipleCheck
 {
-public:
     using VCMultipleCheck::VCMultipleCheck;
     using VCMultipleCheck::ApplyChange;
     using VCMultipleCheck::Key2Index;
@@ -90,27 +59,29 @@ QCheckBox* box(const QTreeWidget& list, int row)
     return item ? item->GetCheckBox() : nullptr;
 }
 
+QString row(const QString& text, bool checked, bool enabled)
+{
+    return QStringLiteral("%1:%2%3").arg(text).arg(int(checked)).arg(enabled ? "" : "-");
+}
+
 // Each row as "text:mark", top to bottom; a disabled box adds "-".
 QStringList rows(const QTreeWidget& list)
 {
     QStringList out;
-    for (int row = 0; row < list.topLevelItemCount(); ++row) {
-        QCheckBox* b = box(list, row);
-        out << QStringLiteral("%1:%2%3").arg(b->text()).arg(int(b->isChecked())).arg(b->isEnabled() ? "" : "-");
-    }
+    for (int i = 0; i < list.topLevelItemCount(); ++i)
+        out << row(box(list, i)->text(), box(list, i)->isChecked(), box(list, i)->isEnabled());
     return out;
 }
 
+// The same of the items of \a multi, by ascending key.
 QStringList rowsOf(values::MultiSelectionValueBase* multi)
 {
     std::vector<unsigned> keys;
     multi->GetKeys(keys);
     std::sort(keys.begin(), keys.end());
     QStringList out;
-    for (unsigned key : keys) {
-        values::IMultiSelectionItem* item = multi->GetItemByKey(int(key));
-        out << QStringLiteral("%1:%2%3").arg(item->GetName()).arg(int(item->IsChecked())).arg(item->IsEnabled() ? "" : "-");
-    }
+    for (unsigned key : keys)
+        out << row(multi->GetItemByKey(int(key))->GetName(), multi->IsItemChecked(int(key)), multi->IsItemEnabled(int(key)));
     return out;
 }
 
@@ -133,9 +104,8 @@ void show(QWidget& w)
 }
 
 // German item names of the namespace "Receiver".
-class GermanNames : public QTranslator
+struct GermanNames : QTranslator
 {
-public:
     bool isEmpty() const override { return false; }
     QString translate(const char* context, const char* source, const char*, int) const override
     {
@@ -175,12 +145,9 @@ private Q_SLOTS:
             {CheckedString(QStringLiteral("2,5"), true), CheckedString(QStringLiteral("Überlauf"), false),
              CheckedString(QStringLiteral("10"), true)});
         tree().Add(kVector, vector);
-        Listener other(vector);
 
         VCMultipleCheck list(nullptr, "list");
         QVERIFY(!list.isEnabled());
-        QCOMPARE(list.objectName(), QStringLiteral("list"));
-        QCOMPARE(list.columnCount(), 1);
         QCOMPARE(list.headerItem()->text(0), QStringLiteral("Name"));
         QVERIFY(list.header()->isHidden());
         show(list);
@@ -189,27 +156,24 @@ private Q_SLOTS:
         QVERIFY(list.isEnabled());
         QCOMPARE(inserted.count(), 2); // one rebuild for the limits, one for the value
         QCOMPARE(rows(list), QStringList({"2,5:1", "Überlauf:0", "10:1"}));
-        QCOMPARE(other.changes, 0); // showing wrote nothing
 
-        // A click writes the whole vector, once, as one recording; the list is not told of it.
+        // A click writes the whole vector as one recording; the list is not told of it.
         inserted.clear();
         clickRow(list, 1);
-        QCOMPARE(other.changes, 1);
-        QCOMPARE(vector->GetValue(), std::vector<CheckedString>({CheckedString("2,5", true), CheckedString("Überlauf", true),
-                                                                  CheckedString("10", true)}));
-        QCOMPARE(inserted.count(), 0);
         clickRow(list, 0);
         QCOMPARE(vector->GetValueString(), QStringLiteral("0:2,5;1:Überlauf;1:10;"));
-        QCOMPARE(recordings().size(), 2);
-        QVERIFY(recordings().first().startsWith(kVector + QLatin1String(": ")));
+        QCOMPARE(inserted.count(), 0);
+        QCOMPARE(recordings(), 2);
 
         // Undo puts every mark back at once.
-        QVERIFY(values::UndoRecordingsToValueClient(kRoot).ExecuteUndo(2));
+        QVERIFY(undo(2));
         QCOMPARE(rows(list), QStringList({"2,5:1", "Überlauf:0", "10:1"}));
 
         // A direct call reads every row; an empty vector empties the list.
-        box(list, 2)->blockSignals(true);
-        box(list, 2)->setChecked(false);
+        {
+            const QSignalBlocker quiet(box(list, 2));
+            box(list, 2)->setChecked(false);
+        }
         list.slotStateChanged(0);
         QCOMPARE(vector->GetValueString(), QStringLiteral("1:2,5;0:Überlauf;0:10;"));
         vector->SetValue({}, nullptr);
@@ -226,7 +190,6 @@ private Q_SLOTS:
         auto* multi = addMulti({30, 10, 20});
         multi->SetTranslationNamespace("Receiver");
         multi->SetItemEnabled(20, false);
-        Listener other(multi);
 
         VCMultipleCheck list(nullptr, "list");
         show(list);
@@ -237,13 +200,11 @@ private Q_SLOTS:
 
         // A click writes that item only, as one recording; a disabled item takes no click.
         clickRow(list, 2);
-        QCOMPARE(multi->writes, 1);
-        QCOMPARE(multi->GetCheckedKeys(), std::vector<unsigned>({20, 30}));
-        QCOMPARE(other.changes, 1);
         clickRow(list, 1);
         QCOMPARE(multi->writes, 1);
-        QCOMPARE(recordings().size(), 1);
-        QVERIFY(values::UndoRecordingsToValueClient(kRoot).ExecuteUndo(1));
+        QCOMPARE(multi->GetCheckedKeys(), std::vector<unsigned>({20, 30}));
+        QCOMPARE(recordings(), 1);
+        QVERIFY(undo(1));
         QCOMPARE(multi->GetCheckedKeys(), std::vector<unsigned>({20}));
         QVERIFY(!box(list, 2)->isChecked());
         QCoreApplication::removeTranslator(&german);
