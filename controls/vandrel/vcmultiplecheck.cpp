@@ -364,9 +364,10 @@ bool VCMultipleCheck::writeRows(int single)
                 return false;
         }
     }
-    if (readAll && m_pMultiSelection == multi) {
-        if (const values::MultiSelectionChangeLog* after = multi->GetChangeLog())
-            m_ullChangeLogIndex = after->GetNextSequence();
-    }
+    // Only check marks are passed over; anything else the writes brought is read as usual.
+    unsigned long long next = m_ullChangeLogIndex;
+    if (readAll && m_pMultiSelection == multi
+        && ScanChangeLog(multi->GetChangeLog(), next, values::MultiSelectionChange::ItemCheckedKind) == 1)
+        m_ullChangeLogIndex = next;
     return true;
 }
