@@ -1,4 +1,3 @@
-#include <vandrel/binding/binding.h>
 #include <vandrel/vcmultiplecheck.h>
 
 #include <QCheckBox>
