@@ -24,3 +24,4 @@
 #include <vandrel/vcspinselectionbox.h>
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
+#include <vandrel/vcmultiplecheck.h>

@@ -22,6 +22,7 @@
 #include <QKeySequence>
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <deque>
@@ -1055,6 +1056,55 @@ std::vector<Driver> makeDrivers()
             const QString held = h.numeric(c.bound[0]) ? QString::number(h.numeric(c.bound[0])->GetValue(), 'f', 1)
                                                        : h.cells[c.bound[0]].value->GetValueString();
             return expectEqual("result", value->text(), held);
+        };
+        ds.push_back(d);
+    }
+    { // VCMultipleCheck: a list of check boxes on a multi-selection or a checked-string vector.
+        Driver d;
+        d.name = "VCMultipleCheck";
+        d.roles = 1;
+        d.followsItems = true;
+        d.create = [](Harness& h, Control&) {
+            auto* list = new VCMultipleCheck(&h.panel, "multicheck");
+            list->resize(160, 140);
+            return list;
+        };
+        d.accepts = [](int, Kind k) { return k == MultiMany || k == Vector; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            return c.as<VCMultipleCheck>()->SetCheckedStringVector_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            auto* list = c.as<VCMultipleCheck>();
+            if (list->topLevelItemCount() == 0) {
+                h.did += QStringLiteral(" none: no rows");
+                return;
+            }
+            const int row = h.pick(list->topLevelItemCount());
+            QCheckBox* box = static_cast<CheckSortListViewItem*>(list->topLevelItem(row))->GetCheckBox();
+            h.did += QStringLiteral(" row %1").arg(row);
+            h.click(box, QPoint(5, box->height() / 2));
+        };
+        // Every row's text and mark, top to bottom, against the value's elements or its items by key.
+        d.shows = [](Harness& h, Control& c) {
+            auto* list = c.as<VCMultipleCheck>();
+            QStringList shown, held;
+            for (int row = 0; row < list->topLevelItemCount(); ++row) {
+                QCheckBox* box = static_cast<CheckSortListViewItem*>(list->topLevelItem(row))->GetCheckBox();
+                shown << QStringLiteral("%1:%2").arg(box->text()).arg(box->isChecked());
+            }
+            values::ValueBase* v = h.cells[c.bound[0]].value;
+            if (auto* vector = dynamic_cast<values::CheckedStringVector*>(v)) {
+                for (const values::CheckedString& element : vector->GetValue())
+                    held << QStringLiteral("%1:%2").arg(element.GetString()).arg(element.GetChecked());
+            } else {
+                auto* multi = dynamic_cast<values::IValueMultiSelection*>(v);
+                std::vector<unsigned int> keys;
+                multi->GetKeys(keys);
+                std::sort(keys.begin(), keys.end());
+                for (unsigned int key : keys)
+                    held << QStringLiteral("%1:%2").arg(multi->GetItemByKey(int(key))->GetName()).arg(multi->IsItemChecked(int(key)));
+            }
+            return expectEqual("check list", shown.join(QLatin1String(", ")), held.join(QLatin1String(", ")));
         };
         ds.push_back(d);
     }

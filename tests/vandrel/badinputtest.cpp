@@ -233,6 +233,8 @@ const QList<Probe>& probes()
         {"VCMeasurementWidget::SetValueTreePath", {},
          [](QWidget* host) -> QObject* { return new VCMeasurementWidget(host, VCMeasurementWidget::Level); },
          byPath(&VCMeasurementWidget::SetValueTreePath)},
+        {"VCMultipleCheck::SetCheckedStringVector_ValuePath", {kMulti}, make<VCMultipleCheck>,
+         byPath(&VCMultipleCheck::SetCheckedStringVector_ValuePath)},
     };
     return list;
 }
@@ -408,6 +410,7 @@ private Q_SLOTS:
         rows("VCDateTimeEdit::ChangeToTimeSpec", {{"LocalTime", 0.0}, {"UTC", 1.0}, {"OffsetFromUTC", 2.0}, {"TimeZone", 3.0}},
              kDouble);
         rows("VCDateTimeEdit days", ints, kDouble);
+        rows("VCMultipleCheck::slotStateChanged", ints);
 
     }
 
@@ -656,6 +659,11 @@ private Q_SLOTS:
                  VCLabel* label = boundLabel(host, true);
                  label->SetAlignmentNoValue(n);
                  label->SetDisplayNoValue(false);
+             }},
+            // The argument is not read: every row is written as it stands, which changes nothing.
+            {"VCMultipleCheck::slotStateChanged",
+             [](QWidget* host, double, int n) {
+                 bound(host, &VCMultipleCheck::SetCheckedStringVector_ValuePath, kMulti)->slotStateChanged(n);
              }},
         };
         QVERIFY2(setters.contains(setter), qPrintable(setter));

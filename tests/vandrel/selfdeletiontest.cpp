@@ -107,6 +107,13 @@ void typeAndLeave(QWidget* field, const QString& text)
     field->window()->findChild<QLineEdit*>(QStringLiteral("elsewhere"))->setFocus();
 }
 
+// A click on the box of a list's first row.
+void clickFirstRow(QWidget* list)
+{
+    auto* row = static_cast<CheckSortListViewItem*>(static_cast<QTreeWidget*>(list)->topLevelItem(0));
+    QTest::mouseClick(row->GetCheckBox(), Qt::LeftButton, Qt::NoModifier, QPoint(5, row->GetCheckBox()->height() / 2));
+}
+
 const QList<Case>& cases()
 {
     static const QList<Case> all = {
@@ -394,6 +401,43 @@ const QList<Case>& cases()
          },
          [](QWidget* c) { QTest::mouseClick(c->findChild<VCButton*>(), Qt::LeftButton); },
          [] { return valueAt<values::IntNumeric>("/u/n")->GetValue() == 5; }},
+        {"multiple check on a vector",
+         [](QWidget* w) {
+             auto* v = add(QStringLiteral("/v"), new values::CheckedStringVector({values::CheckedString(QStringLiteral("a"), false)}));
+             auto* c = new VCMultipleCheck(w, "m");
+             c->SetCheckedStringVector_ValuePath(QStringLiteral("/v"));
+             return qMakePair<QObject*, Observable*>(c, v);
+         },
+         clickFirstRow,
+         [] { return valueAt<values::CheckedStringVector>("/v")->GetValueString() == QLatin1String("1:a;"); }},
+        {"multiple check on a multi-selection, click",
+         [](QWidget* w) {
+             auto* m = add(QStringLiteral("/m"), new values::StringMultiSelection(0));
+             m->AddItem(4, QStringLiteral("four"));
+             auto* c = new VCMultipleCheck(w, "m");
+             c->SetCheckedStringVector_ValuePath(QStringLiteral("/m"));
+             return qMakePair<QObject*, Observable*>(c, m);
+         },
+         clickFirstRow,
+         [] { return valueAt<values::StringMultiSelection>("/m")->IsItemChecked(4); }},
+        {"multiple check on a multi-selection, every row read",
+         [](QWidget* w) {
+             auto* m = add(QStringLiteral("/m"), new values::StringMultiSelection(0));
+             for (unsigned key : {1, 2, 3})
+                 m->AddItem(key, QStringLiteral("item"));
+             auto* c = new VCMultipleCheck(w, "m");
+             c->SetCheckedStringVector_ValuePath(QStringLiteral("/m"));
+             return qMakePair<QObject*, Observable*>(c, m);
+         },
+         // Every box checked unheard, then read from the last row on: the first write closes the list.
+         [](QWidget* c) {
+             for (QCheckBox* box : c->findChildren<QCheckBox*>()) {
+                 const QSignalBlocker quiet(box);
+                 box->setChecked(true);
+             }
+             static_cast<VCMultipleCheck*>(c)->slotStateChanged(0);
+         },
+         [] { return valueAt<values::StringMultiSelection>("/m")->GetCheckedKeys() == std::vector<unsigned>{3}; }},
     };
     return all;
 }
