@@ -17,6 +17,7 @@
 #include <QStandardItemModel>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -127,7 +128,9 @@ VCComboBoxClassic::VCComboBoxClassic(QWidget* parent, const char* name)
     , m_bDirty(false)
     , m_bItemToolTip(false)
     , m_bTakingOver(false)
+    , m_nHeldPick(-1)
     , m_pIndex(new Index)
+    , m_pHeldWrites(new HeldWrites)
 {
     connect(this, SIGNAL(activated(int)), this, SLOT(slotSet2Value(int)));
     const QString strName = QString::fromUtf8(name);
@@ -457,6 +460,37 @@ void VCComboBoxClassic::slotSet2Value(int value)
     // Rows come and go while the list takes over a value's items; no pick is made then.
     if (m_bTakingOver)
         return;
+    if (sender() == this) {
+        // Qt goes on with the list, its popup and the event after announcing a pick, and an observer
+        // of the write may delete the list: the write waits until Qt is done. Inside the list's own
+        // key and wheel handling that is when the event returns; a pick in the popup is written on
+        // the next turn of the event loop.
+        if (m_pHeldWrites->Holding()) {
+            m_pHeldWrites->Write([this, value] { WritePick(value); });
+        } else {
+            m_nHeldPick = value;
+            QTimer::singleShot(0, this, SLOT(slotWriteHeldPick()));
+        }
+        return;
+    }
+    WritePick(value);
+}
+
+void VCComboBoxClassic::slotWriteHeldPick()
+{
+    const int value = m_nHeldPick;
+    m_nHeldPick = -1;
+    if (value >= 0)
+        WritePick(value);
+}
+
+bool VCComboBoxClassic::event(QEvent* event)
+{
+    return m_pHeldWrites->Deliver(this, [this, event] { return QComboBox::event(event); });
+}
+
+void VCComboBoxClassic::WritePick(int value)
+{
     if (m_pValueSelection && m_bAutoCommit) {
         if (!SurvivesWrite(this, [this, value] {
                 GuiUndoRecordingHelper undo(this, QString());

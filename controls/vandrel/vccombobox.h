@@ -14,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+class HeldWrites;
 class QStyle;
 class VCOneOfButtonCombo;
 struct ComboBuddy;
@@ -100,13 +101,17 @@ protected:
     /// Shows the multi-selection's first checked item; with none checked the entry stays.
     void SetMItem();
 
+    bool event(QEvent* event) override;
+
 private Q_SLOTS:
     void slotSet2Value(int value);
+    void slotWriteHeldPick();
 
 private:
     struct Index;
 
     void RebuildTextIndex();
+    void WritePick(int value);
 
     values::ValueSelection* m_pValueSelection;
     values::IValueMultiSelection* m_pMultiSelection;
@@ -117,7 +122,9 @@ private:
     bool m_bDirty;
     bool m_bItemToolTip;
     bool m_bTakingOver;          // a rebuild is under way: picks are not written
+    int m_nHeldPick;             // a pick in the popup, written on the next turn of the loop; -1 none
     std::unique_ptr<Index> m_pIndex; // rows by text; keys and checks of the multi-selection
+    std::unique_ptr<HeldWrites> m_pHeldWrites; // picks wait for the list's own event handling
 };
 
 /**
