@@ -501,13 +501,16 @@ void VCComboBoxClassic::WritePick(int value)
     if (m_pMultiSelection && m_bAutoCommit) {
         const int k = m_pMultiSelection->HasNoneEntry() ? value - 1 : value;
         const std::vector<unsigned int> keys = sortedKeys(m_pMultiSelection);
+        // A row from code that names neither an item nor the none entry picks nothing.
+        if (value < 0 || (k >= 0 && size_t(k) >= keys.size()))
+            return;
         const QPointer<VCComboBoxClassic> alive(this);
         GuiUndoRecordingHelper undo(this, QString());
         m_pMultiSelection->UncheckAll(nullptr);
         // An observer of the first write may have deleted the list or taken the value away.
         if (!alive || !m_pMultiSelection)
             return;
-        if (k >= 0 && size_t(k) < keys.size())
+        if (k >= 0)
             m_pMultiSelection->SetItemChecked(int(keys[size_t(k)]), true, nullptr);
     }
 }
