@@ -23,6 +23,7 @@
 #include <algorithm>
 #include <set>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -469,19 +470,15 @@ void VCComboBoxClassic::slotSet2Value(int value)
             m_pHeldWrites->Write([this, value] { WritePick(value); });
         } else {
             m_nHeldPick = value;
-            QTimer::singleShot(0, this, SLOT(slotWriteHeldPick()));
+            QTimer::singleShot(0, this, [this] {
+                const int held = std::exchange(m_nHeldPick, -1);
+                if (held >= 0)
+                    WritePick(held);
+            });
         }
         return;
     }
     WritePick(value);
-}
-
-void VCComboBoxClassic::slotWriteHeldPick()
-{
-    const int value = m_nHeldPick;
-    m_nHeldPick = -1;
-    if (value >= 0)
-        WritePick(value);
 }
 
 bool VCComboBoxClassic::event(QEvent* event)

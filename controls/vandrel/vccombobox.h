@@ -105,7 +105,6 @@ protected:
 
 private Q_SLOTS:
     void slotSet2Value(int value);
-    void slotWriteHeldPick();
 
 private:
     struct Index;
