@@ -1,3 +1,4 @@
+#include <brevanbase/brevanbase.h>
 #include <vandrel/buddy_p.h>
 #include <vandrel/vccombobox.h>
 
@@ -92,6 +93,21 @@ void wheel(QWidget* w, int notches)
     QWheelEvent e(pos, w->mapToGlobal(pos.toPoint()), QPoint(), QPoint(0, 120 * notches), Qt::NoButton, Qt::NoModifier,
                   Qt::NoScrollPhase, false);
     QApplication::sendEvent(w, &e);
+}
+
+QStringList traces;
+QLoggingCategory::CategoryFilter defaultFilter = nullptr;
+// Lets the detail traces through, which the test's environment turns off.
+void withDetails(QLoggingCategory* category)
+{
+    defaultFilter(category);
+    if (qstrcmp(category->categoryName(), "vandrel.trace") == 0)
+        category->setEnabled(QtDebugMsg, true);
+}
+void collectTraces(QtMsgType, const QMessageLogContext& context, const QString& message)
+{
+    if (context.category && QByteArray(context.category).startsWith("vandrel."))
+        traces << message;
 }
 
 struct Buddy : ComboBuddy
@@ -531,10 +547,23 @@ private Q_SLOTS:
         auto* sel = addSelection(QStringLiteral("/s"), {"one", "two", "three"}, 11);
         VCComboBoxButtonStyle b(nullptr, "buddy", false, false);
         b.SetOneOfButtonCombo(nullptr);
+        // Without a buddy, each entry is traced when the mask asks for details; with one, none is.
+        ErrorHandler::Instance().SetReportingMask(ErrorHandler::Details);
+        defaultFilter = QLoggingCategory::installFilter(nullptr); // the filter in force, known before the next runs
+        QLoggingCategory::installFilter(withDetails);
+        const QtMessageHandler previous = qInstallMessageHandler(collectTraces);
+        traces.clear();
+        QVERIFY(b.SetValueSelection(sel)); // one rebuild
+        QCOMPARE(traces.size(), 3);
+        QVERIFY2(traces[1].contains(QStringLiteral("VCComboBoxButtonStyle::AddStrings2Combo()two11 10")), qPrintable(traces[1]));
         Buddy buddy;
         buddy.refused = QStringLiteral("two");
         SetComboBuddy(&b, &buddy);
         QVERIFY(b.SetValueSelection_ValuePath(QStringLiteral("/s")));
+        qInstallMessageHandler(previous);
+        QLoggingCategory::installFilter(defaultFilter);
+        ErrorHandler::Instance().SetReportingMask(ErrorHandler::Assertions | ErrorHandler::Failures);
+        QCOMPARE(traces.size(), 3);
         QCOMPARE(entries(b.GetPopup()), (QStringList{"one=10", "three=12"}));
         QCOMPARE(b.text(), QStringLiteral("two")); // refused, yet current: shown, not checked
         entry(b, 12)->trigger();
