@@ -1,6 +1,7 @@
 #include <vandrel/vccombobox.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/multiselectionindex_p.h>
 #include <vandrel/buddy_p.h>
 
 #include <brevanbase/brevanbase.h>
@@ -21,8 +22,6 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <set>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -49,63 +48,8 @@ const char* const buddyTriangleXpm[] = {
     "...........",
 };
 
-std::vector<unsigned int> sortedKeys(values::IValueMultiSelection* multi)
-{
-    std::vector<unsigned int> keys;
-    multi->GetKeys(keys);
-    std::sort(keys.begin(), keys.end());
-    return keys;
-}
-
 } // namespace
 
-namespace vandrel {
-
-/**
- * What a combo keeps of a multi-selection between rebuilds: its keys in the sorted order the combo
- * shows them, the place of each key, and the keys checked. Made at each rebuild, then kept up to date
- * from the check marks that the change log names, so that a change of one check mark costs what the
- * changed item costs, not what all of them do.
- */
-struct MultiSelectionIndex
-{
-    const values::IValueMultiSelection* owner = nullptr; // the value it was made from; null: none
-    std::vector<unsigned int> keys;
-    std::unordered_map<unsigned int, int> places;
-    std::set<unsigned int> checked;
-
-    void Reset()
-    {
-        owner = nullptr;
-        keys.clear();
-        places.clear();
-        checked.clear();
-    }
-    // Starts anew for \a multi with its keys sorted; the caller adds the check marks.
-    void Begin(values::IValueMultiSelection* multi)
-    {
-        Reset();
-        owner = multi;
-        keys = sortedKeys(multi);
-        places.reserve(keys.size());
-        for (size_t i = 0; i < keys.size(); ++i)
-            places.emplace(keys[i], int(i));
-    }
-    void SetChecked(unsigned int key, bool on)
-    {
-        if (on)
-            checked.insert(key);
-        else
-            checked.erase(key);
-    }
-    int PlaceOf(unsigned int key) const
-    {
-        const auto found = places.find(key);
-        return found == places.end() ? -1 : found->second;
-    }
-};
-
-} // namespace vandrel
 
 // ---------------------------------------------------------------------------------------------------
 // VCComboBoxClassic
@@ -497,7 +441,7 @@ void VCComboBoxClassic::WritePick(int value)
     }
     if (m_pMultiSelection && m_bAutoCommit) {
         const int k = m_pMultiSelection->HasNoneEntry() ? value - 1 : value;
-        const std::vector<unsigned int> keys = sortedKeys(m_pMultiSelection);
+        const std::vector<unsigned int> keys = vandrel::MultiSelectionIndex::SortedKeys(m_pMultiSelection);
         // A row from code that names neither an item nor the none entry picks nothing.
         if (value < 0 || (k >= 0 && size_t(k) >= keys.size()))
             return;
@@ -819,7 +763,7 @@ int VCComboBoxButtonStyle::Add1stMSelection2Combo()
     const bool entriesEnabled = base->GetState() != Disabled;
     if (!m_pMenu)
         MakeMenu();
-    const std::vector<unsigned int> keys = sortedKeys(m_pFirstMultiSelection);
+    const std::vector<unsigned int> keys = vandrel::MultiSelectionIndex::SortedKeys(m_pFirstMultiSelection);
     for (unsigned int key : keys) {
         values::IMultiSelectionItem* item = m_pFirstMultiSelection->GetItemByKey(int(key));
         if (!item)
@@ -844,7 +788,7 @@ int VCComboBoxButtonStyle::Add2ndMSelection2Combo()
     const bool entriesEnabled = base->GetState() != Disabled;
     if (!m_pMenu)
         MakeMenu();
-    const std::vector<unsigned int> keys = sortedKeys(m_pSecondMultiSelection);
+    const std::vector<unsigned int> keys = vandrel::MultiSelectionIndex::SortedKeys(m_pSecondMultiSelection);
     for (unsigned int key : keys) {
         values::IMultiSelectionItem* item = m_pSecondMultiSelection->GetItemByKey(int(key));
         if (!item)
