@@ -25,14 +25,15 @@ struct ComboBuddy;
  *
  * The items are the value's item names, translated in the value's namespace, in the selection's
  * order or, for a multi-selection, by key ascending, after the none entry when the value has one.
- * A pick is written at once, as one undo recording: the selection with the list as originator, the
- * multi-selection (uncheck all, then check the picked item) with none. With SetAutoCommit(false) a pick
- * only marks the list dirty and waits for Commit().
+ * A pick is written as one undo recording: the selection with the list as originator, the
+ * multi-selection (uncheck all, then check the picked item) with none. A pick by key or wheel is written
+ * before the event returns, a pick in the popup on the next turn of the event loop (an observer may
+ * delete the list, and Qt is not done with it before). With SetAutoCommit(false) a pick only marks the
+ * list dirty and waits for Commit().
  *
  * Unbound, the list is disabled and a pick changes no value. Bound, it is enabled and disabled by the
  * value's state; when the value is removed the list lets go of it and keeps its items and look.
- * A change of check marks moves the shown entry without rebuilding the list, at a cost independent of
- * the number of items.
+ * A change of check marks moves the shown entry without rebuilding the list or walking its items.
  *
  * The widest item name is measured in pixels (GetMaximumContentLengthInPixel()) and each change of it
  * is announced by MaximumContentLengthChanged(). The list asks the style factory for "windowsxp" and
@@ -50,8 +51,8 @@ public:
     /**
      * \brief Binds to \a value, already found by the caller, and shows its items and current item.
      *
-     * The list is enabled when the value's state allows it. The former value is not detached here (the
-     * path form does that). A null \a value gives false. Clears the dirty flag.
+     * The list is enabled when the value's state allows it, and lets go of the selection it held before
+     * (a bound multi-selection stays). A null \a value gives false. Clears the dirty flag.
      */
     bool SetValueSelection(values::ValueSelection* value);
     /**
