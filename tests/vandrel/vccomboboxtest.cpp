@@ -514,7 +514,7 @@ private Q_SLOTS:
         auto* m = addMulti(QStringLiteral("/m"), 0, 3);
         m->SetNoneEntry(true, QStringLiteral("none"));
         m->SetSeveralEntryText(QStringLiteral("several"));
-        addMulti(QStringLiteral("/n"), 0, 3, {2});
+        auto* n = addMulti(QStringLiteral("/n"), 0, 3, {2});
         VCComboBoxButtonStyle b(nullptr, "multi", false, false);
         QVERIFY(b.SetValueSelection_ValuePath(QStringLiteral("/m")));
         QVERIFY(b.SetSecondSelection_ValuePath(QStringLiteral("/n")));
@@ -535,6 +535,11 @@ private Q_SLOTS:
         QVERIFY(entry(b, 4)->isChecked() && !entry(b, 2)->isChecked());
         m->UncheckAll(nullptr);
         QCOMPARE(b.text(), QStringLiteral("none"));
+        // The second's marks move by place as well: key 4 at place 2 marks id 10002.
+        n->SetItemChecked(4, true, nullptr);
+        QVERIFY(entry(b, 10002)->isChecked() && !entry(b, 10004)->isChecked());
+        n->SetItemChecked(4, false, nullptr);
+        QVERIFY(!entry(b, 10002)->isChecked());
         QCOMPARE(b.GetPopup()->actions(), before);
 
         m->AddItem(1, QStringLiteral("m1")); // the items change: rebuilt
