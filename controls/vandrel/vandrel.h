@@ -10,6 +10,7 @@
 #include <vandrel/binding/binding.h>
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
+#include <vandrel/vccombobox.h>
 #include <vandrel/vccoordedit.h>
 #include <vandrel/vcdatetimeedit.h>
 #include <vandrel/vclabel.h>

@@ -6,11 +6,13 @@
 #include <plinthor/suffixeddouble.h>
 #include <vandrel/vandrel.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDateTimeEdit>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
 #include <QRegularExpression>
@@ -1105,6 +1107,162 @@ std::vector<Driver> makeDrivers()
                     held << QStringLiteral("%1:%2").arg(multi->GetItemByKey(int(key))->GetName()).arg(multi->IsItemChecked(int(key)));
             }
             return expectEqual("check list", shown.join(QLatin1String(", ")), held.join(QLatin1String(", ")));
+        };
+        ds.push_back(d);
+    }
+    { // VCComboBoxClassic: a drop-down list on a selection or a single-choice multi-selection.
+        Driver d;
+        d.name = "VCComboBoxClassic";
+        d.roles = 1;
+        d.create = [](Harness& h, Control&) { return new VCComboBoxClassic(&h.panel, "comboclassic"); };
+        d.accepts = [](int, Kind k) { return k == Sel || k == MultiOne; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            const bool bound = c.as<VCComboBoxClassic>()->SetValueSelection_ValuePath(h.cells[s].path);
+            if (!bound)
+                c.expectEnabled = 0; // a failed binding disables the list
+            return bound;
+        };
+        d.input = [](Harness& h, Control& c) {
+            QPointer<VCComboBoxClassic> box = c.as<VCComboBoxClassic>();
+            switch (h.pick(3)) {
+            case 0: h.key(box, h.chance(0.5) ? Qt::Key_Up : Qt::Key_Down); break;
+            case 1: h.wheel(box, h.chance(0.5) ? 1 : -1); break;
+            default: {
+                h.click(box);
+                QPointer<QAbstractItemView> view = box ? box->view() : nullptr;
+                if (!view || !view->isVisible())
+                    break; // a disabled list opens nothing
+                for (int n = h.pick(4); n > 0 && view; --n)
+                    h.key(view, Qt::Key_Down);
+                if (view)
+                    h.key(view, Qt::Key_Return);
+                // A pick in the popup is written on the next turn of the loop.
+                QCoreApplication::processEvents();
+                break;
+            }
+            }
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* box = c.as<VCComboBoxClassic>();
+            if (auto* sel = h.selection(c.bound[0])) {
+                QString e = expectNear("list rows", box->count(), sel->GetItemCount(), 0);
+                if (e.isEmpty() && sel->GetCurrentItem())
+                    e = expectEqual("list", box->currentText(), sel->GetValueString());
+                return e;
+            }
+            auto* multi = dynamic_cast<values::StringMultiSelection*>(h.cells[c.bound[0]].value);
+            QString e = expectNear("list rows", box->count(), multi->GetKeyCount(), 0);
+            // With nothing checked the list keeps the row it shows.
+            if (e.isEmpty() && multi->GetCheckedKeys().size() == 1)
+                e = expectEqual("list", box->currentText(), multi->GetValueString());
+            return e;
+        };
+        ds.push_back(d);
+    }
+    { // VCComboBoxButtonStyle: a menu button on a first and a second selection or multi-selection.
+        Driver d;
+        d.name = "VCComboBoxButtonStyle";
+        d.roles = 2;
+        d.followsItems = true;
+        d.followsState = false; // a value's state enables its entries, not the button
+        d.create = [](Harness& h, Control& c) {
+            auto* b = new VCComboBoxButtonStyle(&h.panel, "combobutton", c.variant % 2, c.variant % 4 >= 2);
+            if (c.variant % 2)
+                b->AddMenuEntry(QStringLiteral("extra"), &h.panel, SLOT(update()));
+            return b;
+        };
+        d.accepts = [](int, Kind k) { return k == Sel || k == MultiOne || k == MultiMany; };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            auto* b = c.as<VCComboBoxButtonStyle>();
+            return role == 0 ? b->SetValueSelection_ValuePath(h.cells[s].path) : b->SetSecondSelection_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            QPointer<VCComboBoxButtonStyle> b = c.as<VCComboBoxButtonStyle>();
+            // A menu that opens is answered from a timer by keys: some Downs, then Return.
+            QTimer picker;
+            picker.setSingleShot(true);
+            const int downs = 1 + h.pick(4);
+            QObject::connect(&picker, &QTimer::timeout, [&h, downs] {
+                QPointer<QWidget> menu = QApplication::activePopupWidget();
+                for (int n = downs; n > 0 && menu; --n)
+                    h.key(menu, Qt::Key_Down);
+                if (menu)
+                    h.key(menu, Qt::Key_Return);
+                if (auto* open = qobject_cast<QMenu*>(menu.data()))
+                    open->close(); // nothing enabled to pick
+            });
+            switch (h.pick(5)) {
+            case 0: h.key(b, h.chance(0.5) ? Qt::Key_Up : Qt::Key_Down); break;
+            case 1: h.wheel(b, h.chance(0.5) ? 1 : -1); break;
+            case 2: { // a pick as the menu's entry would make it
+                if (!b->GetPopup() || !b->isEnabled() || !b->GetPopup()->isEnabled())
+                    break;
+                QList<QAction*> live;
+                for (QAction* a : b->GetPopup()->actions())
+                    if (!a->isSeparator() && a->isEnabled())
+                        live << a;
+                if (!live.isEmpty()) {
+                    QAction* a = live[h.pick(live.size())];
+                    h.did += QStringLiteral(" trigger %1").arg(a->text());
+                    a->trigger();
+                }
+                break;
+            }
+            case 3: // the menu through Space, after the key's animated click
+                picker.start(30);
+                h.key(b, Qt::Key_Space);
+                QCoreApplication::processEvents();
+                break;
+            default: // a press opens the menu, or flips a two-item selection
+                picker.start(30);
+                h.click(b, QPoint(3, 3));
+                break;
+            }
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* b = c.as<VCComboBoxButtonStyle>();
+            ResortPopupMenu* menu = b->GetPopup();
+            if (c.bound[0] >= 0) {
+                values::ValueBase* v = h.cells[c.bound[0]].value;
+                if (auto* sel = dynamic_cast<values::ValueSelection*>(v)) {
+                    values::SelectionItem* current = sel->GetCurrentItem();
+                    if (!current)
+                        return QString();
+                    // A rebuild ends with the second selection's text: only a lone first is compared.
+                    if (c.bound[1] < 0) {
+                        QString e = expectEqual("menu button", b->text(), current->GetName());
+                        if (!e.isEmpty())
+                            return e;
+                    }
+                    QAction* entry = menu ? menu->findItem(int(current->GetKey())) : nullptr;
+                    if (entry && !entry->isChecked())
+                        return QStringLiteral("current entry %1 unchecked").arg(current->GetKey());
+                } else {
+                    auto* multi = static_cast<values::StringMultiSelection*>(v);
+                    std::vector<unsigned int> keys;
+                    multi->GetKeys(keys);
+                    for (unsigned key : keys) {
+                        QAction* entry = menu ? menu->findItem(int(key)) : nullptr;
+                        if (entry && entry->isChecked() != multi->IsItemChecked(int(key)))
+                            return QStringLiteral("entry %1 %2checked").arg(key).arg(entry->isChecked() ? "" : "un");
+                    }
+                    const std::vector<unsigned int> checked = multi->GetCheckedKeys();
+                    if (c.bound[1] < 0 || c.bound[1] == c.bound[0] || h.cells[c.bound[1]].kind != Sel)
+                        return expectEqual("menu button", b->text(),
+                                           checked.size() == 1 ? multi->GetValueString() : QString());
+                }
+            }
+            if (auto* second = h.selection(c.bound[1])) {
+                values::SelectionItem* current = second->GetCurrentItem();
+                // A pick in the second selection looks its item up by place: where keys and places
+                // differ it is not written, and the entry clicked loses its mark until the next change.
+                if (current && second->GetItemAt(int(current->GetKey())) != current)
+                    return QString();
+                QAction* entry = current && menu ? menu->findItem(int(current->GetKey()) + 10000) : nullptr;
+                if (entry && !entry->isChecked())
+                    return QStringLiteral("second's current entry %1 unchecked").arg(current->GetKey());
+            }
+            return QString();
         };
         ds.push_back(d);
     }

@@ -165,6 +165,11 @@ VCLabel* boundLabel(QWidget* host, bool noValue = false)
     return label;
 }
 
+QObject* makeButtonCombo(QWidget* host)
+{
+    return new VCComboBoxButtonStyle(host, "badinput", true, true);
+}
+
 QObject* makeLed(QWidget* host)
 {
     return new VCLED(host, "badinput", true);
@@ -229,6 +234,18 @@ const QList<Probe>& probes()
         {"VCLabel::SetNumericOffset_ValuePath", kNumbers, makeLabel, bindLabel(&VCLabel::SetNumericOffset_ValuePath, true)},
         {"VCLabel::SetNoValue_ValuePath", {kBool}, makeLabel, byPath(&VCLabel::SetNoValue_ValuePath)},
         {"VCLabel::SetUpdateNow_ValuePath", {kInt}, makeLabel, byPath(&VCLabel::SetUpdateNow_ValuePath)},
+        {"VCComboBoxClassic::SetValueSelection_ValuePath", {kSel}, make<VCComboBoxClassic>,
+         byPath(&VCComboBoxClassic::SetValueSelection_ValuePath)},
+        {"VCComboBoxClassic::SetValueSelection", {kSel}, make<VCComboBoxClassic>, {},
+         byPointer<VCComboBoxClassic, values::ValueSelection>(
+             [](VCComboBoxClassic* c, values::ValueSelection* v) { return c->SetValueSelection(v); })},
+        {"VCComboBoxButtonStyle::SetValueSelection_ValuePath", {kSel, kMulti}, makeButtonCombo,
+         byPath(&VCComboBoxButtonStyle::SetValueSelection_ValuePath)},
+        {"VCComboBoxButtonStyle::SetSecondSelection_ValuePath", {kSel, kMulti}, makeButtonCombo,
+         byPath(&VCComboBoxButtonStyle::SetSecondSelection_ValuePath)},
+        {"VCComboBoxButtonStyle::SetValueSelection", {kSel}, makeButtonCombo, {},
+         byPointer<VCComboBoxButtonStyle, values::ValueSelection>(
+             [](VCComboBoxButtonStyle* c, values::ValueSelection* v) { return c->SetValueSelection(v); })},
         // No single value is a result branch: every path gives false.
         {"VCMeasurementWidget::SetValueTreePath", {},
          [](QWidget* host) -> QObject* { return new VCMeasurementWidget(host, VCMeasurementWidget::Level); },
@@ -411,6 +428,10 @@ private Q_SLOTS:
              kDouble);
         rows("VCDateTimeEdit days", ints, kDouble);
         rows("VCMultipleCheck::slotStateChanged", ints);
+        // A row number from code that names no row, on a selection of two items: nothing is picked.
+        rows("VCComboBoxClassic::slotSet2Value", {{"INT_MIN", double(INT_MIN)}, {"-1", -1.0}, {"2", 2.0}, {"INT_MAX", double(INT_MAX)}});
+        rows("VCComboBoxClassic::setCurrentItem", {{"texts", 0.0}});
+        rows("VCComboBoxButtonStyle null and empty", {{"null", 0.0}});
 
     }
 
@@ -612,6 +633,44 @@ private Q_SLOTS:
                  edit->GetDaysEdit()->setValue(n);
                  edit->GetDaysEdit()->setValue(0);
                  QCOMPARE(edit->GetDaysEdit()->value(), 0);
+             }},
+            {"VCComboBoxClassic::slotSet2Value",
+             [](QWidget* host, double, int n) {
+                 VCComboBoxClassic* box = bound(host, &VCComboBoxClassic::SetValueSelection_ValuePath, kSel);
+                 QVERIFY(QMetaObject::invokeMethod(box, "slotSet2Value", Q_ARG(int, n)));
+                 box->SetAutoCommit(false);
+                 box->setCurrentIndex(-1);
+                 box->Commit();
+             }},
+            // Shows nothing else and writes nothing: empty, blank, long, non-ASCII and astral texts.
+            {"VCComboBoxClassic::setCurrentItem",
+             [](QWidget* host, double, int) {
+                 VCComboBoxClassic* box = bound(host, &VCComboBoxClassic::SetValueSelection_ValuePath, kSel);
+                 for (const QString& text : {QString(), QStringLiteral(" "), QString(100000, QLatin1Char('F')),
+                                             QStringLiteral("F\u00c4M"), QStringLiteral("\U0001F4E1"), QStringLiteral("fm")})
+                     box->setCurrentItem(text);
+                 QCOMPARE(box->currentText(), QStringLiteral("FM"));
+             }},
+            // Null and empty arguments; then the additional entry and the value's entries' picks of
+            // what is current change nothing.
+            {"VCComboBoxButtonStyle null and empty",
+             [](QWidget* host, double, int) {
+                 auto* combo = static_cast<VCComboBoxButtonStyle*>(makeButtonCombo(host));
+                 QVERIFY(combo->SetValueSelection_ValuePath(kMulti));
+                 QVERIFY(combo->SetSecondSelection_ValuePath(kSel));
+                 QVERIFY(!combo->SetValueSelection(nullptr));
+                 combo->AddAction(nullptr);
+                 combo->AddMenuEntry(QString(), nullptr, nullptr);
+                 combo->AddMenuEntry(QStringLiteral("x"), host, nullptr);
+                 combo->setCurrentItem(QString());
+                 combo->SetOneOfButtonCombo(nullptr);
+                 QColor none;
+                 combo->SetColor(none);
+                 combo->setEnabled(false);
+                 combo->RebuildMenu();
+                 for (QAction* action : combo->GetPopup()->actions())
+                     if (action->data().toInt() == -32768 || action->data().toInt() == 10020)
+                         action->trigger();
              }},
             // A typed magnitude selects the nearest item; an unknown letter must not break that.
             {"VCSpinSelectionBox::setOrderOfMagnitudeVSValues",

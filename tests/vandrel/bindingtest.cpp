@@ -236,14 +236,27 @@ private Q_SLOTS:
         QFETCH(int, result);
         QFETCH(qulonglong, next);
         values::MultiSelectionChangeLog log(capacity);
-        for (int kind : kinds)
-            log.Add(static_cast<unsigned char>(kind), 1);
+        for (int i = 0; i < kinds.size(); ++i)
+            log.Add(static_cast<unsigned char>(kinds[i]), quint32(100 + i)); // keys tell the entries apart
         unsigned long long sequence = start;
         QCOMPARE(int(ScanChangeLog(&log, sequence, 6)), result);
         QCOMPARE(qulonglong(sequence), next);
         QCOMPARE(int(ScanChangeLog(&log, sequence, 6)), 0); // read once: nothing new after
         QCOMPARE(int(ScanChangeLog(nullptr, sequence, 6)), 0);
         QCOMPARE(qulonglong(sequence), next);
+
+        // The keyed scan answers alike and gives the keys of exactly the entries read.
+        std::vector<unsigned int> keys{7};
+        sequence = start;
+        QCOMPARE(int(ScanChangeLogKeys(&log, sequence, 6, keys)), result);
+        QCOMPARE(qulonglong(sequence), next);
+        std::vector<unsigned int> read;
+        if (result == 1)
+            for (qulonglong s = start; s < next; ++s)
+                read.push_back(unsigned(100 + s));
+        QCOMPARE(keys, read);
+        QCOMPARE(int(ScanChangeLogKeys(&log, sequence, 6, keys)), 0);
+        QVERIFY(keys.empty());
     }
 
     void guardedBinding_data()

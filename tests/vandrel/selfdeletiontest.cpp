@@ -4,6 +4,7 @@
 
 #include <vandrel/vandrel.h>
 
+#include <QAbstractItemView>
 #include <QDateTimeEdit>
 #include <QLineEdit>
 #include <QSpinBox>
@@ -438,6 +439,130 @@ const QList<Case>& cases()
              static_cast<VCMultipleCheck*>(c)->slotStateChanged(0);
          },
          [] { return valueAt<values::StringMultiSelection>("/m")->GetCheckedKeys() == std::vector<unsigned>{3}; }},
+        // The combo boxes: the list's picks by key, in its popup and by Commit; the menu button's picks
+        // in its menu (triggered, and by keyboard in the menu opened with Space), keys, wheel and press.
+        {"classic combo key",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxClassic(w, "c");
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Down);
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"classic combo popup pick",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxClassic(w, "c");
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             QWidget* window = c->window();
+             QTest::mouseClick(c, Qt::LeftButton);
+             QPointer<QAbstractItemView> view = static_cast<QComboBox*>(c)->view();
+             QTRY_VERIFY(view->isVisible());
+             QTest::keyClick(view, Qt::Key_Down);
+             QTest::keyPress(view, Qt::Key_Return); // the pick, which may delete the list and its view
+             if (view)
+                 QTest::keyRelease(view, Qt::Key_Return);
+             // The offscreen platform leaves no window active once a popup has closed.
+             QTimer::singleShot(100, window, [window] { QApplication::setActiveWindow(window); });
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"classic combo on a multi-selection, deleted by the check after the unchecking",
+         [](QWidget* w) {
+             auto* m = add(QStringLiteral("/m"), new values::StringMultiSelection(1));
+             m->AddItem(0, QStringLiteral("zero"), true);
+             m->AddItem(1, QStringLiteral("one"));
+             auto* c = new VCComboBoxClassic(w, "c");
+             c->SetValueSelection_ValuePath(QStringLiteral("/m"));
+             return qMakePair<QObject*, Observable*>(c, m);
+         },
+         [](QWidget* c) {
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Down);
+         },
+         [] { return valueAt<values::StringMultiSelection>("/m")->IsItemChecked(1); },
+         1},
+        {"classic combo commit",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxClassic(w, "c");
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             c->SetAutoCommit(false);
+             c->setCurrentIndex(2);
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { static_cast<VCComboBoxClassic*>(c)->Commit(); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 2; }},
+        {"button style combo, entry triggered",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxButtonStyle(w, "b", false, false);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { static_cast<VCComboBoxButtonStyle*>(c)->GetPopup()->findItem(1)->trigger(); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button style combo, menu opened with Space, entry picked by keyboard",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxButtonStyle(w, "b", false, false);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             QTimer::singleShot(50, [] {
+                 if (QWidget* menu = QApplication::activePopupWidget()) {
+                     QTest::keyClick(menu, Qt::Key_Down);
+                     QTest::keyClick(menu, Qt::Key_Down);
+                     QTest::keyClick(menu, Qt::Key_Return);
+                 }
+             });
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Space);
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button style combo, key",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxButtonStyle(w, "b", false, false);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Down);
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button style combo, wheel",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCComboBoxButtonStyle(w, "b", false, false);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             const QPointF pos = c->rect().center();
+             QWheelEvent e(pos, c->mapToGlobal(pos.toPoint()), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                           Qt::NoScrollPhase, false);
+             QApplication::sendEvent(c, &e);
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button style combo, press flipping two items",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 2, 0);
+             auto* c = new VCComboBoxButtonStyle(w, "b", false, true);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         // A press alone: the flip comes with it, and a release would go to a deleted widget.
+         [](QWidget* c) { QTest::mousePress(c, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2)); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
     };
     return all;
 }

@@ -2,7 +2,12 @@
 
 #include <orvi/translationcenter.h>
 
-signed char ScanChangeLog(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence, unsigned char kind)
+namespace {
+
+// The walk of ScanChangeLog(), handing each entry read to \a read.
+template <class Read>
+signed char scanChangeLog(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence, unsigned char kind,
+                          Read&& read)
 {
     if (!log || log->GetCount() == 0 || nextSequence >= log->GetNextSequence())
         return 0;
@@ -22,13 +27,33 @@ signed char ScanChangeLog(const values::MultiSelectionChangeLog* log, unsigned l
             hi = mid;
     }
     for (int i = lo; i < count; ++i) {
-        if (log->GetAt(i).kind != kind) {
+        const values::MultiSelectionChange& change = log->GetAt(i);
+        if (change.kind != kind) {
             nextSequence = log->GetNextSequence();
             return -1;
         }
+        read(change);
         ++nextSequence;
     }
     return 1;
+}
+
+} // namespace
+
+signed char ScanChangeLog(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence, unsigned char kind)
+{
+    return scanChangeLog(log, nextSequence, kind, [](const values::MultiSelectionChange&) {});
+}
+
+signed char ScanChangeLogKeys(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence,
+                              unsigned char kind, std::vector<unsigned int>& keys)
+{
+    keys.clear();
+    const signed char result =
+        scanChangeLog(log, nextSequence, kind, [&keys](const values::MultiSelectionChange& change) { keys.push_back(change.key); });
+    if (result != 1)
+        keys.clear(); // a rebuild needs no keys
+    return result;
 }
 
 QString TranslateItemName(const values::ValueBase* value, const QString& name)

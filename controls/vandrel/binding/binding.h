@@ -272,6 +272,15 @@ VANDREL_EXPORT signed char ScanChangeLog(const values::MultiSelectionChangeLog* 
                                          unsigned char kind);
 
 /**
+ * \brief ScanChangeLog() that also hands back, in \a keys, the keys of the entries it read.
+ *
+ * Same results. With 1, \a keys holds the key of each new entry in log order (a key may come more than
+ * once); otherwise it is empty. A control that keeps per-item state applies just those keys.
+ */
+VANDREL_EXPORT signed char ScanChangeLogKeys(const values::MultiSelectionChangeLog* log, unsigned long long& nextSequence,
+                                             unsigned char kind, std::vector<unsigned int>& keys);
+
+/**
  * \brief Runs a binding \a body that may meet exceptions of the value framework.
  *
  * A BrevanException or std::exception is traced once (when the mask asks for failures) under the
