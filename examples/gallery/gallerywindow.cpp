@@ -87,6 +87,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages->addTab(makePositionPage(), tr("Station"));
     m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
     m_pPages->addTab(makeMeasurementPage(), tr("Measurement"));
+    m_pPages->addTab(makeSelectionPage(), tr("Selections"));
     leftLayout->addWidget(m_pPages, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);

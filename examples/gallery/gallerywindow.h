@@ -38,6 +38,8 @@ public:
 public Q_SLOTS:
     /// Brings back removed values, enables all, binds every control again and shows the new rows.
     void restoreInstrument();
+    /// The filter of the present mode and the slow AGC, as one edit of the menu button that asks.
+    void resetReception();
 
 private:
     QWidget* makeDisplay();
@@ -46,6 +48,7 @@ private:
     QWidget* makePositionPage();
     QWidget* makeEntryPage();
     QWidget* makeMeasurementPage();
+    QWidget* makeSelectionPage();
     QWidget* makeValueTreePane();
     void makeActions();
     void makeStatusBar();

@@ -56,6 +56,23 @@ values::ValueBase* makeText(const char* text)
     return new values::StringValue(QString::fromLatin1(text));
 }
 
+// The band monitor's channels: the 5 kHz broadcast grid of the 49 m and 41 m bands.
+constexpr int kChannels = 300;
+constexpr double kFirstChannelKHz = 5900.0;
+constexpr double kChannelStepKHz = 5.0;
+// Channels the monitor looks at per step: it passes the whole grid every 50 steps (2.5 s).
+constexpr int kChannelsPerStep = 6;
+
+values::ValueBase* makeChannels()
+{
+    auto* channels = new values::StringMultiSelection(0);
+    for (int i = 0; i < kChannels; ++i)
+        channels->AddItem(unsigned(i), QStringLiteral("%1 kHz").arg(kFirstChannelKHz + i * kChannelStepKHz, 0, 'f', 0));
+    channels->SetNoneEntry(true, QStringLiteral("none"));
+    channels->SetSeveralEntryText(QStringLiteral("several"));
+    return channels;
+}
+
 const std::vector<ValueRecipe>& recipes()
 {
     // Kept in path order, so that paths() needs no sorting. A result is a branch of a name, a number,
@@ -70,6 +87,7 @@ const std::vector<ValueRecipe>& recipes()
         {"/receiver/attenuator", [] { return new values::BoolValue(false); }},
         {"/receiver/bandwidth", makeBandwidths},
         {"/receiver/carrier", [] { return new values::BoolValue(false); }},
+        {"/receiver/channels", makeChannels},
         {"/receiver/frequency", [] { return new values::DoubleNumeric(7000.0, 100.0, 30000.0, 1.0); }},
         {"/receiver/gain", [] { return new values::IntNumeric(30, 0, 60, 1); }},
         {"/receiver/level", [] { return new values::DoubleNumeric(-121.0, -130.0, 0.0, 1.0); }},
@@ -82,6 +100,7 @@ const std::vector<ValueRecipe>& recipes()
              options->AddItem(2, QStringLiteral("Notch"));
              options->AddItem(3, QStringLiteral("Preamp"));
              options->SetNoneEntry(true, QStringLiteral("none"));
+             options->SetSeveralEntryText(QStringLiteral("several"));
              return options;
          }},
         {"/receiver/results/bandwidth/INVALID", [] { return new values::BoolValue(false); }},
@@ -145,14 +164,6 @@ T* find(const char* path)
     return dynamic_cast<T*>(values::Tree::Instance()->Find(QString::fromLatin1(path)));
 }
 
-// The filter a mode switches to, as a key of /receiver/bandwidth, by the keys of /receiver/mode's items:
-// AM 6 kHz, FM 15 kHz, USB and LSB 2.4 kHz, CW 0.5 kHz.
-long bandwidthKeyOfMode(long modeKey)
-{
-    static const long keys[] = {4, 6, 2, 2, 0};
-    return modeKey >= 0 && modeKey < 5 ? keys[modeKey] : kDefaultBandwidthKey;
-}
-
 double bandwidthKHz(values::ValueSelection* bandwidth)
 {
     const values::SelectionItem* item = bandwidth ? bandwidth->GetCurrentItem() : nullptr;
@@ -165,6 +176,13 @@ bool optionChecked(values::StringMultiSelection* options, int key)
 }
 
 } // namespace
+
+long Instrument::bandwidthKeyOfMode(long modeKey)
+{
+    // AM 6 kHz, FM 15 kHz, USB and LSB 2.4 kHz, CW 0.5 kHz.
+    static const long keys[] = {4, 6, 2, 2, 0};
+    return modeKey >= 0 && modeKey < 5 ? keys[modeKey] : kDefaultBandwidthKey;
+}
 
 Instrument::Instrument(QObject* parent)
     : QObject(parent)
@@ -334,6 +352,7 @@ void Instrument::step()
     }
 
     updateResults(tuned, level, carrier, scanning);
+    monitorChannels(t);
     rememberDial();
     Q_EMIT stepped(m_nSteps);
 }
@@ -382,6 +401,28 @@ void Instrument::updateResults(double tunedKHz, double level, bool carrier, bool
     const qint64 lengthUs = simulatedMs() / 1000 * 1000000;
     if (auto* length = find<values::Int64Value>("/receiver/acquisition/length"); length && length->GetValue() != lengthUs)
         length->SetValue(lengthUs, nullptr);
+}
+
+void Instrument::monitorChannels(double t)
+{
+    // A channel is marked while the monitor hears a carrier on it. Each channel's propagation rises and
+    // falls on a slow period of its own; the monitor visits a few channels per step and flips the marks
+    // that changed, one write each, as a driver reporting its findings would. A mark the user set stays
+    // until the monitor comes by.
+    auto* channels = find<values::StringMultiSelection>("/receiver/channels");
+    if (!channels)
+        return;
+    for (int n = 0; n < kChannelsPerStep; ++n) {
+        const int channel = int((m_nSteps * kChannelsPerStep + quint64(n)) % kChannels);
+        const double period = 7.0 + (channel * 7919 % 23);
+        // The flutter comes from the channel and the step, not from the noise generator, so that the
+        // rest of a seeded run stays as it was.
+        const double flutter = 0.3 * std::sin(channel * 12.9898 + double(m_nSteps) * 78.233);
+        const double strength = std::sin(2.0 * M_PI * t / period + channel * 0.37) + flutter;
+        const bool heard = strength > 0.6;
+        if (channels->IsItemChecked(channel) != heard)
+            channels->SetItemChecked(channel, heard, nullptr);
+    }
 }
 
 int Instrument::restore()

@@ -28,7 +28,8 @@ class ValueBase;
  *   mode (selection AM FM USB LSB CW; the next step after a change selects the mode's bandwidth),
  *   bandwidth (selection 0.5 1.8 2.4 3.0 6.0 9.0 15.0 kHz, item numbers in kHz; how far off-tune a
  *   station is heard), options (multi-selection: noise blanker, notch, preamp +10 dB),
- *   scan/active (bool), scan/position (int % 0..100 of the scan band), scan/speed (int 1..10 per step),
+ *   channels (multi-selection of 300 channels on the 5 kHz grid from 5900 kHz; the band monitor marks
+ *   those it hears a carrier on, a few channels per step), scan/active (bool), scan/position (int % 0..100 of the scan band), scan/speed (int 1..10 per step),
  *   scan/hold (int s 0..10 on a carrier), scan/from and scan/to (double, the scan band),
  *   site/latitude, site/longitude (double degrees, the receiving site),
  *   transmitter/latitude, transmitter/longitude (double degrees, a reference transmitter),
@@ -54,6 +55,9 @@ public:
     static QString root() { return QStringLiteral("/receiver"); }
     /// Every path the instrument creates, sorted.
     static QStringList paths();
+
+    /// The filter a mode switches to, as a key of /receiver/bandwidth, by the key of /receiver/mode's item.
+    static long bandwidthKeyOfMode(long modeKey);
 
     /// Restarts the simulation from step 0 with noise drawn from \a seed.
     void setSeed(quint32 seed);
@@ -84,6 +88,7 @@ private:
     double signalLevel(double frequencyKHz, double t);
     double gaussian();
     void updateResults(double tunedKHz, double level, bool carrier, bool scanning);
+    void monitorChannels(double t);
 
     QTimer m_timer;
     QRandomGenerator m_rng;
