@@ -1,16 +1,24 @@
 // vandrel-bench: how long the tree takes to find a path among 100,000, and what one write of a
 // number costs until N bound sliders show it, next to the same fan-out done with hand-wired signals
-// (the floor: the sliders' own cost) and with QDataWidgetMapper.
+// (the floor: the sliders' own cost) and with QDataWidgetMapper; and what one check mark of a
+// multi-selection of thousands of items costs each selection control, against a rebuild.
 //
 // Run a Release build. Extra arguments go to Google Benchmark (--benchmark_filter=..., and so on).
 
+#include <plinthor/resortpopupmenu.h>
+#include <plinthor/sortlistview.h>
+#include <vandrel/vccombobox.h>
 #include <vandrel/vclabel.h>
+#include <vandrel/vcmultiplecheck.h>
 #include <vandrel/vcslider.h>
 #include <values/values.h>
 
 #include <benchmark/benchmark.h>
 
+#include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QTreeWidget>
 #include <QDataWidgetMapper>
 #include <QFile>
 #include <QLabel>
@@ -54,6 +62,11 @@ const char* const kMapperShared = "write/qdatawidgetmapper-shared";
 const char* const kMapperNamed = "write/qdatawidgetmapper-shared-named-property";
 const char* const kLabelFloor = "label/floor-qlabel-settext";
 const char* const kLabelBound = "label/vclabel-bound";
+const char* const kSelectCheck[] = {"select/check-comboboxclassic", "select/check-comboboxbuttonstyle",
+                                   "select/check-multiplecheck"};
+const char* const kSelectRebuild[] = {"select/rebuild-comboboxclassic", "select/rebuild-comboboxbuttonstyle",
+                                     "select/rebuild-multiplecheck"};
+const int kSelectionSizes[] = {1000, 10000};
 const char* const kFindHit = "find/hit";
 const char* const kFindMiss = "find/miss";
 
@@ -287,6 +300,108 @@ void BM_LabelBound(benchmark::State& state)
             for (auto _ : state)
                 bench_writeDouble(number, nthNumber(++n));
             requireLabelsAt(state, labels, nthNumber(n));
+        }
+    }
+    values::Tree::Instance()->Remove(path);
+}
+
+// --- selection controls on a multi-selection of N items ---
+
+enum class SelectionControl { Classic, ButtonStyle, MultipleCheck };
+enum class SelectionChange { CheckMark, Items };
+
+Q_NEVER_INLINE void bench_writeCheck(values::StringMultiSelection* set, int key, bool checked)
+{
+    set->SetItemChecked(key, checked, nullptr);
+}
+
+Q_NEVER_INLINE void bench_writeItems(values::StringMultiSelection* set, const QString& severalText)
+{
+    // A new text for several checked items: the journal says the entries were rebuilt, and every
+    // reader rebuilds from the items.
+    set->SetSeveralEntryText(severalText);
+}
+
+// Whether the control shows the check mark of \a key as the value holds it.
+bool showsCheckOf(QWidget* control, SelectionControl kind, values::StringMultiSelection* set, int key)
+{
+    const bool checked = set->IsItemChecked(key);
+    switch (kind) {
+    case SelectionControl::Classic:
+        return !checked || static_cast<QComboBox*>(control)->currentText() == set->GetItemByKey(key)->GetName();
+    case SelectionControl::ButtonStyle: {
+        QAction* entry = static_cast<VCComboBoxButtonStyle*>(control)->GetPopup()->findItem(key);
+        return entry && entry->isChecked() == checked;
+    }
+    case SelectionControl::MultipleCheck: {
+        // Rows stand in key order, and the keys count 0, 1, 2, ...
+        auto* row = dynamic_cast<CheckSortListViewItem*>(static_cast<QTreeWidget*>(control)->topLevelItem(key));
+        return row && row->isOn() == checked;
+    }
+    }
+    return false;
+}
+
+void BM_Select(benchmark::State& state, SelectionControl kind, SelectionChange change)
+{
+    const int count = int(state.range(0));
+    const QString path = QStringLiteral("/bench/select/%1/%2/%3").arg(int(kind)).arg(int(change)).arg(count);
+    // The drop-down list takes single-choice sets only; the others show any number of marks.
+    auto* set = new values::StringMultiSelection(kind == SelectionControl::Classic ? 1 : 0);
+    for (int i = 0; i < count; ++i)
+        set->AddItem(unsigned(i), QStringLiteral("channel %1").arg(i), kind != SelectionControl::Classic && i % 3 == 0);
+    if (!values::Tree::Instance()->Add(path, set)) {
+        delete set;
+        state.SkipWithError("the selection could not be added to the tree");
+        return;
+    }
+    {
+        QWidget container;
+        QWidget* control = nullptr;
+        bool bound = false;
+        switch (kind) {
+        case SelectionControl::Classic: {
+            auto* combo = new VCComboBoxClassic(&container, "classic");
+            bound = combo->SetValueSelection_ValuePath(path);
+            control = combo;
+            break;
+        }
+        case SelectionControl::ButtonStyle: {
+            auto* button = new VCComboBoxButtonStyle(&container, "button", false, false);
+            bound = button->SetValueSelection_ValuePath(path);
+            control = button;
+            break;
+        }
+        case SelectionControl::MultipleCheck: {
+            auto* list = new VCMultipleCheck(&container, "list");
+            bound = list->SetCheckedStringVector_ValuePath(path);
+            control = list;
+            break;
+        }
+        }
+        // Two keys in the middle: the classic list moves its one mark between them, the others flip one.
+        const int keyA = count / 2;
+        const int keyB = count / 2 + 1;
+        if (!bound) {
+            state.SkipWithError("the control did not bind");
+        } else if (change == SelectionChange::CheckMark) {
+            int n = 0;
+            for (auto _ : state) {
+                ++n;
+                if (kind == SelectionControl::Classic)
+                    bench_writeCheck(set, n % 2 ? keyA : keyB, true);
+                else
+                    bench_writeCheck(set, keyA, n % 2 == 1);
+            }
+            if (!showsCheckOf(control, kind, set, keyA) || !showsCheckOf(control, kind, set, keyB))
+                state.SkipWithError("the control did not follow the check marks");
+        } else {
+            const QString texts[] = {QStringLiteral("several"), QStringLiteral("more than one")};
+            int n = 0;
+            for (auto _ : state)
+                bench_writeItems(set, texts[++n % 2]);
+            if (!showsCheckOf(control, kind, set, 0))
+                state.SkipWithError("the control did not rebuild");
         }
     }
     values::Tree::Instance()->Remove(path);
@@ -586,6 +701,34 @@ void printSummary(const CollectingReporter& reporter)
         }
     }
 
+    std::printf("\nOne change of a multi-selection of N items shown by one control: a check mark, against a\n"
+                "change of the items that makes the control rebuild:\n\n");
+    std::printf("  %-28s %6s %14s %14s %11s\n", "control", "N", "check mark ns", "rebuild ns", "rebuild x");
+    const char* const selectionLabels[] = {"VCComboBoxClassic", "VCComboBoxButtonStyle", "VCMultipleCheck"};
+    for (int k = 0; k < 3; ++k) {
+        for (const int count : kSelectionSizes) {
+            const Result* check = reporter.Find(kSelectCheck[k], count);
+            const Result* rebuild = reporter.Find(kSelectRebuild[k], count);
+            if (!check || !rebuild)
+                continue;
+            if (!check->error.empty() || !rebuild->error.empty()) {
+                std::printf("  %-28s %6d   FAILED: %s\n", selectionLabels[k], count,
+                            (check->error.empty() ? rebuild->error : check->error).c_str());
+                continue;
+            }
+            std::printf("  %-28s %6d %14.0f %14.0f %10.0fx\n", selectionLabels[k], count, check->cpuNs, rebuild->cpuNs,
+                        rebuild->cpuNs / check->cpuNs);
+        }
+        const Result* small = reporter.Find(kSelectCheck[k], kSelectionSizes[0]);
+        const Result* large = reporter.Find(kSelectCheck[k], kSelectionSizes[1]);
+        const Result* largeRebuild = reporter.Find(kSelectRebuild[k], kSelectionSizes[1]);
+        if (usable(small) && usable(large) && usable(largeRebuild))
+            std::printf("  %-28s a check mark at %d items costs %.2fx what it costs at %d; a rebuild %.0fx a check mark: %s\n",
+                        "", kSelectionSizes[1], large->cpuNs / small->cpuNs, kSelectionSizes[0],
+                        largeRebuild->cpuNs / large->cpuNs,
+                        largeRebuild->cpuNs >= 100.0 * large->cpuNs ? "at least 100x" : "NOT 100x");
+    }
+
     const int largest = kFanOuts[sizeof(kFanOuts) / sizeof(kFanOuts[0]) - 1];
     const Result* floor = reporter.Find(kFloor, largest);
     const Result* bound = reporter.Find(kBound, largest);
@@ -649,6 +792,14 @@ int main(int argc, char** argv)
         withBest(benchmark::RegisterBenchmark(kBoundDirectWriteBack, BM_Bound, WriteBack::InSliderChange)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kLabelFloor, BM_LabelFloor)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kLabelBound, BM_LabelBound)->Arg(count));
+    }
+
+    for (const int count : kSelectionSizes) {
+        for (int k = 0; k < 3; ++k) {
+            const auto kind = SelectionControl(k);
+            withBest(benchmark::RegisterBenchmark(kSelectCheck[k], BM_Select, kind, SelectionChange::CheckMark)->Arg(count));
+            withBest(benchmark::RegisterBenchmark(kSelectRebuild[k], BM_Select, kind, SelectionChange::Items)->Arg(count));
+        }
     }
 
     CollectingReporter reporter(isatty(fileno(stdout)) ? benchmark::ConsoleReporter::OO_Defaults

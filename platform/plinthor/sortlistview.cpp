@@ -2,6 +2,7 @@
 
 #include "naturalorder_p.h"
 
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -281,6 +282,12 @@ CheckSortListViewItem::CheckSortListViewItem(QTreeWidget* parent, QString text0,
     // The box draws the first text as its label; the item's own copy stays for sorting, unpainted.
     setForeground(0, QBrush(Qt::transparent));
     m_pCheckBox = new QCheckBox(text0);
+    // Unchecking a button outside a group makes Qt look through every button beside it for an
+    // exclusive partner: with thousands of rows in one viewport each mark would cost them all. A group
+    // of its own, not exclusive, answers at once and changes nothing else.
+    auto* alone = new QButtonGroup(m_pCheckBox);
+    alone->setExclusive(false);
+    alone->addButton(m_pCheckBox);
     setText(0, text0);
     if (QTreeWidget* view = treeWidget())
         view->setItemWidget(this, 0, m_pCheckBox);
