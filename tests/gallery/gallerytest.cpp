@@ -351,6 +351,84 @@ private Q_SLOTS:
         QCOMPARE(textOf("alarms/record"), QStringLiteral("true"));
     }
 
+    void selectionPageListsMenusAndChannels()
+    {
+        Instrument instrument;
+        instrument.setSeed(3);
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Selections", true));
+        auto* mode = child<VCComboBoxClassic>(window, "mode");
+        auto* filter = child<VCComboBoxClassic>(window, "bandwidth");
+        auto* apply = child<QPushButton>(window, "applyBandwidth");
+        auto* filterAgc = child<VCComboBoxButtonStyle>(window, "filterAgc");
+        auto* options = child<VCComboBoxButtonStyle>(window, "options");
+        auto* agcToggle = child<VCComboBoxButtonStyle>(window, "agcToggle");
+        auto* channels = child<VCMultipleCheck>(window, "channels");
+        QVERIFY(mode && filter && apply && filterAgc && options && agcToggle && channels);
+
+        // A mode picked by key is written at once, and the receiver's next step brings its filter.
+        mode->setFocus();
+        QTest::keyClick(mode, Qt::Key_Down);
+        QCOMPARE(textOf("mode"), QStringLiteral("FM"));
+        instrument.step();
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("15.0 kHz"));
+
+        // The filter list waits for "Apply", and meanwhile keeps showing its own pick, not the receiver's.
+        filter->setFocus();
+        QTest::keyClick(filter, Qt::Key_Up);
+        const QString picked = filter->currentText();
+        QCOMPARE(picked, QStringLiteral("3.0 kHz"));
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("15.0 kHz"));
+        QVERIFY(apply->isEnabled());
+        QTest::mouseClick(apply, Qt::LeftButton);
+        QCOMPARE(textOf("bandwidth"), picked);
+        QVERIFY(!apply->isEnabled());
+
+        // The menu button: an AGC entry, then "Reset", which brings the mode's filter and the slow AGC.
+        ResortPopupMenu* menu = filterAgc->GetPopup();
+        QVERIFY(menu);
+        QAction* fast = menu->findItem(10000 + 1);
+        QVERIFY(fast);
+        fast->trigger();
+        QCOMPARE(textOf("agc"), QStringLiteral("Fast"));
+        QAction* reset = nullptr;
+        for (QAction* action : menu->actions())
+            if (action->text() == QLatin1String("Reset"))
+                reset = action;
+        QVERIFY(reset);
+        reset->trigger();
+        QCOMPARE(textsOf({"bandwidth", "agc"}), QStringList({"15.0 kHz", "Slow"}));
+
+        // Options: one mark names its item, two say "several".
+        options->GetPopup()->findItem(2)->trigger();
+        QCOMPARE(textOf("options"), QStringLiteral("Notch"));
+        QCOMPARE(options->text(), QStringLiteral("Notch"));
+        options->GetPopup()->findItem(3)->trigger();
+        QCOMPARE(options->text(), QStringLiteral("several"));
+
+        // A press on the toggle flips the AGC without a menu.
+        QTest::mouseClick(agcToggle, Qt::LeftButton);
+        QCOMPARE(textOf("agc"), QStringLiteral("Fast"));
+        QCOMPARE(agcToggle->text(), QStringLiteral("Fast"));
+
+        // The band monitor flips channels as it passes; every row follows, and a click writes its channel.
+        for (int i = 0; i < 60; ++i)
+            instrument.step();
+        auto* set = dynamic_cast<values::StringMultiSelection*>(find(rx("channels")));
+        QVERIFY(set && set->GetCheckedKeys().size() > 0);
+        QCOMPARE(channels->topLevelItemCount(), 300);
+        for (int key = 0; key < 300; ++key) {
+            auto* row = dynamic_cast<CheckSortListViewItem*>(channels->topLevelItem(key));
+            QVERIFY(row);
+            QCOMPARE(row->isOn(), set->IsItemChecked(key));
+        }
+        auto* first = dynamic_cast<CheckSortListViewItem*>(channels->topLevelItem(0));
+        const bool was = set->IsItemChecked(0);
+        channels->scrollToItem(first);
+        clickBox(first->GetCheckBox());
+        QCOMPARE(set->IsItemChecked(0), !was);
+    }
+
     void writeShowsInItsRowOnly_data()
     {
         QTest::addColumn<QString>("path");
