@@ -74,6 +74,7 @@ VCComboBoxClassic::VCComboBoxClassic(QWidget* parent, const char* name)
     , m_bItemToolTip(false)
     , m_bTakingOver(false)
     , m_nHeldPick(-1)
+    , m_bPopupClosing(false)
     , m_pIndex(new Index)
     , m_pHeldWrites(new HeldWrites)
 {
@@ -409,20 +410,31 @@ void VCComboBoxClassic::slotSet2Value(int value)
         // Qt goes on with the list, its popup and the event after announcing a pick, and an observer
         // of the write may delete the list: the write waits until Qt is done. Inside the list's own
         // key and wheel handling that is when the event returns; a pick in the popup is written on
-        // the next turn of the event loop.
+        // the next turn of the event loop. A pick announced from elsewhere is written at once.
         if (m_pHeldWrites->Holding()) {
             m_pHeldWrites->Write([this, value] { WritePick(value); });
-        } else {
+        } else if (m_bPopupClosing) {
             m_nHeldPick = value;
             QTimer::singleShot(0, this, [this] {
                 const int held = std::exchange(m_nHeldPick, -1);
                 if (held >= 0)
                     WritePick(held);
             });
+        } else {
+            WritePick(value);
         }
         return;
     }
     WritePick(value);
+}
+
+void VCComboBoxClassic::hidePopup()
+{
+    QComboBox::hidePopup();
+    if (!m_bPopupClosing) {
+        m_bPopupClosing = true;
+        QTimer::singleShot(0, this, [this] { m_bPopupClosing = false; });
+    }
 }
 
 bool VCComboBoxClassic::event(QEvent* event)

@@ -103,6 +103,8 @@ protected:
     void SetMItem();
 
     bool event(QEvent* event) override;
+    /// Notes that the popup closes: a pick announced right after it comes from the popup.
+    void hidePopup() override;
 
 private Q_SLOTS:
     void slotSet2Value(int value);
@@ -123,6 +125,7 @@ private:
     bool m_bItemToolTip;
     bool m_bTakingOver;          // a rebuild is under way: picks are not written
     int m_nHeldPick;             // a pick in the popup, written on the next turn of the loop; -1 none
+    bool m_bPopupClosing;        // the popup closed in this turn of the loop
     std::unique_ptr<Index> m_pIndex; // rows by text; keys and checks of the multi-selection
     std::unique_ptr<HeldWrites> m_pHeldWrites; // picks wait for the list's own event handling
 };

@@ -201,6 +201,11 @@ private Q_SLOTS:
         QTest::keyClick(box.view(), Qt::Key_Return);
         QTRY_COMPARE(sel->GetCurrentKey(), 10L);
         QCOMPARE(recordings(), 3);
+        // A pick announced by the application, outside any event of the list, is written at once.
+        Q_EMIT box.activated(2);
+        QCOMPARE(sel->GetCurrentKey(), 12L);
+        QCOMPARE(recordings(), 4);
+        sel->SelectKey(10, nullptr);
 
         // The value moves the list; its states enable and disable it; removed, it is let go of.
         sel->SelectKey(12, nullptr);
@@ -214,7 +219,7 @@ private Q_SLOTS:
         QVERIFY(!box.GetValueSelection());
         QTest::keyClick(&box, Qt::Key_Up);
         QCOMPARE(sel->GetCurrentKey(), 12L);
-        QCOMPARE(recordings(), 3);
+        QCOMPARE(recordings(), 4);
     }
 
     void classicDeferredCommit()
