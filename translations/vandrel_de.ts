@@ -2,6 +2,20 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
+    <name>VCDateTimeEdit</name>
+    <message>
+        <source>Days</source>
+        <translation>Tage</translation>
+    </message>
+</context>
+<context>
+    <name>VCLED</name>
+    <message>
+        <source>LED</source>
+        <translation>LED</translation>
+    </message>
+</context>
+<context>
     <name>VCLineEdit</name>
     <message>
         <source>Input Error</source>
@@ -22,6 +36,44 @@ Zulässiger Bereich von %2 bis %3.</translation>
 Allowed range from %2 to %3.</source>
         <translation>Eingabe unterschreitet das Minimum, Wert auf %1 gesetzt.
 Zulässiger Bereich von %2 bis %3.</translation>
+    </message>
+</context>
+<context>
+    <name>VCMeasurementWidget</name>
+    <message>
+        <source>Bandwidth</source>
+        <translation>Bandbreite</translation>
+    </message>
+    <message>
+        <source>Offset</source>
+        <translation>Ablage</translation>
+    </message>
+    <message>
+        <source>Field Strength</source>
+        <translation>Feldstärke</translation>
+    </message>
+    <message>
+        <source>Level</source>
+        <translation>Pegel</translation>
+    </message>
+    <message>
+        <source>Quality</source>
+        <translation>Qualität</translation>
+    </message>
+    <message>
+        <source>Azimuth</source>
+        <translation>Azimut</translation>
+    </message>
+    <message>
+        <source>Elevation</source>
+        <translation>Elevation</translation>
+    </message>
+</context>
+<context>
+    <name>VCMultipleCheck</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
     </message>
 </context>
 <context>
@@ -64,51 +116,6 @@ Zulässiger Bereich von %2 bis %3.</translation>
     <message>
         <source>Undo</source>
         <translation>Rückgängig</translation>
-    </message>
-</context>
-<context>
-    <name>VCMeasurementWidget</name>
-    <message>
-        <source>Bandwidth</source>
-        <translation>Bandbreite</translation>
-    </message>
-    <message>
-        <source>Offset</source>
-        <translation>Ablage</translation>
-    </message>
-    <message>
-        <source>Field Strength</source>
-        <translation>Feldstärke</translation>
-    </message>
-    <message>
-        <source>Level</source>
-        <translation>Pegel</translation>
-    </message>
-    <message>
-        <source>Quality</source>
-        <translation>Qualität</translation>
-    </message>
-    <message>
-        <source>Azimuth</source>
-        <translation>Azimut</translation>
-    </message>
-    <message>
-        <source>Elevation</source>
-        <translation>Elevation</translation>
-    </message>
-</context>
-<context>
-    <name>VCDateTimeEdit</name>
-    <message>
-        <source>Days</source>
-        <translation>Tage</translation>
-    </message>
-</context>
-<context>
-    <name>VCLED</name>
-    <message>
-        <source>LED</source>
-        <translation>LED</translation>
     </message>
 </context>
 </TS>
