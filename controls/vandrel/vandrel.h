@@ -8,6 +8,7 @@
 #include <values/values.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/bindform.h>
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccombobox.h>
