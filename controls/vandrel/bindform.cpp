@@ -1,4 +1,5 @@
 #include <vandrel/bindform.h>
+#include <vandrel/bindform_p.h>
 
 #include <vandrel/vcbutton.h>
 #include <vandrel/vccheckbox.h>
@@ -13,7 +14,6 @@
 #include <vandrel/vcmultiplecheck.h>
 #include <vandrel/vcnumericfloatspin.h>
 #include <vandrel/vcscrollbar.h>
-#include <vandrel/vcscrollbuttons.h>
 #include <vandrel/vcslider.h>
 #include <vandrel/vcspinselectionbox.h>
 #include <vandrel/vctextedit.h>
@@ -49,6 +49,7 @@ struct ControlBindings
 {
     const QMetaObject* meta;
     std::vector<Binding> bindings; // in the order of the control's calls
+    std::vector<const char*> arguments = {}; // properties a call reads besides the path
 };
 
 // Wraps a call that takes the control and the path only.
@@ -78,7 +79,8 @@ const std::vector<ControlBindings>& registry()
                    return false;
                }
                return qobject_cast<VCCheckBox*>(w)->SetMultiSelection_ValuePath(p, k);
-           }}}},
+           }}},
+         {"multiSelectionKey"}},
         {&VCComboBoxClassic::staticMetaObject,
          {pathBinding<VCComboBoxClassic>("valuePath", [](VCComboBoxClassic* c, const QString& p) { return c->SetValueSelection_ValuePath(p); })}},
         {&VCComboBoxButtonStyle::staticMetaObject,
@@ -112,8 +114,6 @@ const std::vector<ControlBindings>& registry()
           pathBinding<VCNumericFloatSpin>("numericIntPath", [](VCNumericFloatSpin* c, const QString& p) { return c->SetNumericInt_ValuePath(p); })}},
         {&VCScrollBar::staticMetaObject,
          {pathBinding<VCScrollBar>("valuePath", [](VCScrollBar* c, const QString& p) { return c->Set_ValuePath(p); })}},
-        {&VCScrollButtons::staticMetaObject,
-         {pathBinding<VCScrollButtons>("valuePath", [](VCScrollButtons* c, const QString& p) { return c->Set_ValuePath(p); })}},
         {&VCSlider::staticMetaObject,
          {pathBinding<VCSlider>("valuePath", [](VCSlider* c, const QString& p) { return c->SetNumeric_ValuePath(p); })}},
         {&VCSpinSelectionBox::staticMetaObject,
@@ -213,6 +213,20 @@ void bindWidget(QWidget* widget, BindFormResult& result)
 }
 
 } // namespace
+
+QList<QByteArray> BindingProperties(const QMetaObject* meta)
+{
+    QList<QByteArray> names;
+    for (const ControlBindings& entry : registry()) {
+        if (entry.meta != meta)
+            continue;
+        for (const Binding& b : entry.bindings)
+            names << QByteArray(b.property);
+        for (const char* argument : entry.arguments)
+            names << QByteArray(argument);
+    }
+    return names;
+}
 
 BindFormResult BindForm(QWidget* root)
 {
