@@ -3,6 +3,8 @@
 #include <vandrel/vandrel.h>
 
 #include <QApplication>
+#include <QBuffer>
+#include <QUiLoader>
 
 #include <cstdio>
 
@@ -34,6 +36,20 @@ int main(int argc, char** argv)
     // The coordinate formats come with the base controls' own (private) GeographicLib link.
     if (basecontrols::CoordText::Format(59.330231, 18.059196, SweRef99) != QStringLiteral("N: 6580822 E: 674032"))
         return 5;
-    std::printf("consumer (Qt %s): bound slider follows and writes its value; coordinates convert\n", qVersion());
+    // A form with a Vandrel control, loaded through the installed Designer plugin and bound by its property.
+    QCoreApplication::addLibraryPath(QStringLiteral(VANDREL_PLUGINS));
+    QBuffer form;
+    form.setData("<ui version=\"4.0\"><widget class=\"QWidget\" name=\"panel\"><widget class=\"VCSlider\" name=\"gainSlider\">"
+                 "<property name=\"valuePath\" stdset=\"0\"><string>/receiver/gain</string></property>"
+                 "</widget></widget></ui>");
+    QUiLoader loader;
+    QScopedPointer<QWidget> panel(loader.load(&form));
+    if (!panel)
+        return 7;
+    const vandrel::BindFormResult bound = vandrel::BindForm(panel.data());
+    auto* formSlider = panel->findChild<VCSlider*>(QStringLiteral("gainSlider"));
+    if (!formSlider || bound.bound.size() != 1 || !bound.failed.isEmpty() || formSlider->value() != 43)
+        return 8;
+    std::printf("consumer (Qt %s): bound slider follows and writes its value; coordinates convert; a form binds\n", qVersion());
     return 0;
 }
