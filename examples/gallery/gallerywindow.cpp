@@ -88,6 +88,9 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
     m_pPages->addTab(makeMeasurementPage(), tr("Measurement"));
     m_pPages->addTab(makeSelectionPage(), tr("Selections"));
+#ifdef VANDREL_GALLERY_FORMS
+    m_pPages->addTab(makeFormPage(), tr("Drawn in Designer"));
+#endif
     leftLayout->addWidget(m_pPages, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);

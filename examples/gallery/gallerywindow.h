@@ -49,6 +49,9 @@ private:
     QWidget* makeEntryPage();
     QWidget* makeMeasurementPage();
     QWidget* makeSelectionPage();
+#ifdef VANDREL_GALLERY_FORMS
+    QWidget* makeFormPage();
+#endif
     QWidget* makeValueTreePane();
     void makeActions();
     void makeStatusBar();

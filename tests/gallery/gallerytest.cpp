@@ -796,6 +796,38 @@ private Q_SLOTS:
         QCOMPARE(cell(*model, rx("frequency")), QStringLiteral("7100"));
     }
 
+#ifdef VANDREL_GALLERY_FORMS
+    // The Designer page: loaded through the plugin, bound by its properties, and bound again on restore.
+    void formPageIsBoundByItsProperties()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        auto* report = child<QLabel>(window, "formReport");
+        QVERIFY(report);
+        QCOMPARE(report->text(), QStringLiteral("Bindings made from the form: 9."));
+        auto* gain = child<VCSlider>(window, "formGain");
+        auto* mode = child<VCComboBoxClassic>(window, "formMode");
+        auto* active = child<VCCheckBox>(window, "formScanActive");
+        QVERIFY(gain && mode && active);
+        QCOMPARE(gain->value(), 30);
+        QCOMPARE(mode->currentText(), QStringLiteral("AM"));
+        QCOMPARE(active->isChecked(), true);
+        gain->setValue(41);
+        QCOMPARE(textOf("gain"), QStringLiteral("41"));
+        clickBox(active);
+        QCOMPARE(textOf("scan/active"), QStringLiteral("false"));
+        setText("mode", "USB");
+        QCOMPARE(mode->currentText(), QStringLiteral("USB"));
+        // A removed value comes back new, and the form's control is bound to it again.
+        QVERIFY(switchTo(window.valueTreeModel(), "gain", Removed));
+        window.restoreInstrument();
+        QCOMPARE(report->text(), QStringLiteral("Bindings made from the form: 9."));
+        QCOMPARE(gain->value(), 30);
+        gain->setValue(35);
+        QCOMPARE(textOf("gain"), QStringLiteral("35"));
+    }
+#endif
+
     void undoTakesBackClicksOneByOne()
     {
         Instrument instrument;
