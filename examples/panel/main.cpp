@@ -128,7 +128,7 @@ int main(int argc, char** argv)
     //! [window]
 
     //! [controls]
-    // Each control starts disabled and unbound. Binding by path finds the value, attaches the control
+    // These controls start disabled and unbound. Binding by path finds the value, attaches the control
     // to it and shows it; from then on the value's state enables and disables the control.
     auto* gain = new VCSlider(panel, "gain");
     gain->setOrientation(Qt::Horizontal);
