@@ -130,9 +130,9 @@ public:
     bool IsChecked() const override { return m_bChecked; }
     bool IsEnabled() const override { return m_bEnabled; }
     const QString& GetName() const override { return m_strName; }
-    /// Sets the check mark; notifies nothing (the owning value does).
+    /// Sets this item's check mark alone, telling no one; a value changes marks with SetItemChecked().
     void SetChecked(bool checked) { m_bChecked = checked; }
-    /// Sets the enabled flag; notifies nothing (the owning value does).
+    /// Sets this item's enabled flag alone, telling no one; a value changes flags with SetItemEnabled().
     void SetEnabled(bool enabled) { m_bEnabled = enabled; }
 
 private:
