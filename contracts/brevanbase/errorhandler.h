@@ -47,10 +47,11 @@ public:
 class BREVANBASE_EXPORT ErrorHandler
 {
 public:
+    /// The bits of the reporting mask.
     enum ReportingBits {
-        Assertions = 2,
-        Failures = 32,
-        Details = 64,
+        Assertions = 2, ///< check the conditions of \c _Q_assert
+        Failures = 32,  ///< trace failures and caught exceptions
+        Details = 64,   ///< write detailed traces
     };
 
     /// The one error handler of the process.

@@ -16,13 +16,13 @@ class QTranslator;
  * \brief The translation centre: translation namespaces backed by Qt Linguist catalogs.
  *
  * A library or application registers a namespace (\c "Vandrel") and the centre loads the catalog
- * \c <namespace>_<locale>.qm for it (the namespace in lower case, for example \c vandrel_de.qm), searching
+ * \c \<namespace\>_\<locale\>.qm for it (the namespace in lower case, for example \c vandrel_de.qm), searching
  * in this order:
  *  1. the directories given with AddSearchPath(), newest first;
  *  2. \c translations/ beside the application binary;
- *  3. \c <location>/<namespace>/translations (namespace in lower case) for each of
+ *  3. \c \<location\>/\<namespace\>/translations (namespace in lower case) for each of
  *     QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation), e.g.
- *     \c /usr/share/vandrel/translations; a Qt 6 build first tries \c <location>/<namespace>6/translations,
+ *     \c /usr/share/vandrel/translations; a Qt 6 build first tries \c \<location\>/\<namespace\>6/translations,
  *     where its own catalogs install beside those of a Qt 5 build;
  *  4. the Qt resource directory \c :/i18n.
  *

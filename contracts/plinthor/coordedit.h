@@ -36,13 +36,19 @@ namespace basecontrols {
 class PLINTHOR_EXPORT CoordEdit : public QLineEdit
 {
     Q_OBJECT
+    /// Latitude in degrees, north positive.
     Q_PROPERTY(double latitude READ getLatitude WRITE setLatitude)
+    /// Longitude in degrees, east positive.
     Q_PROPERTY(double longitude READ getLongitude WRITE setLongitude)
+    /// The text form the position is shown and read in.
     Q_PROPERTY(CoordFormat format READ getFormat WRITE setFormat)
+    /// Whether the field acts as a read-only label.
     Q_PROPERTY(bool actAsLabel READ isActingAsLabel WRITE setActAsLabel)
+    /// Whether a right click opens the context menu.
     Q_PROPERTY(bool contextMenuEnabled READ isContextMenuEnabled WRITE setContextMenuEnabled)
 
 public:
+    /// A field at 0° N, 0° E in decimal degrees (GeoDecimal).
     explicit CoordEdit(QWidget* parent = nullptr);
     ~CoordEdit() override;
 
@@ -50,6 +56,7 @@ public:
     virtual double getLongitude() const;
     /// Latitude in degrees, north positive.
     virtual double getLatitude() const;
+    /// The text form the position is shown and read in.
     virtual CoordFormat getFormat() const;
     /// Sets the longitude and shows the position; a value outside -180 to 180 or NaN shows no text.
     virtual void setLongitude(double longitude);
@@ -63,7 +70,9 @@ public:
 
     /// Whether the field acts as a label (see the class description).
     bool isActingAsLabel() const { return m_bActAsLabel; }
+    /// Makes the field a label (read-only, frameless, no focus, window colours) or an edit field again.
     void setActAsLabel(bool actAsLabel);
+    /// Whether a right click opens the context menu.
     bool isContextMenuEnabled() const { return m_bContextMenuEnabled; }
     /// Switches the context menu on (the default) or off; off, a right click shows nothing.
     void setContextMenuEnabled(bool enabled);
@@ -94,9 +103,13 @@ protected:
      */
     virtual void processLineInput();
 
+    /// Reimplemented to take up the new parent's colours when a label changes parent.
     void changeEvent(QEvent* event) override;
+    /// Reimplemented to show createContextMenu()'s menu, or nothing when the menu is switched off.
     void contextMenuEvent(QContextMenuEvent* event) override;
+    /// Reimplemented to take the typed text, except when the focus goes to the field's own context menu.
     void focusOutEvent(QFocusEvent* event) override;
+    /// Reimplemented to take the typed text on Return or Enter and drop it on Escape.
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:

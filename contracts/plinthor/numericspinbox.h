@@ -51,8 +51,11 @@ protected:
     /// The text of \a value; the default is that of QSpinBox.
     virtual QString mapValueToText(int value);
 
+    /// Reimplemented to read through mapTextToValue(); refused text gives the current number.
     int valueFromText(const QString& text) const override;
+    /// Reimplemented to show through mapValueToText().
     QString textFromValue(int value) const override;
+    /// Reimplemented to accept every non-empty text (the mapping judges it when the edit ends).
     QValidator::State validate(QString& input, int& pos) const override;
 
 private:

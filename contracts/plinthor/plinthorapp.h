@@ -62,6 +62,7 @@ Q_SIGNALS:
     void endEdit(QWidget* widget);
 
 protected:
+    /// Reimplemented to send signalColorsChanged() once the widgets have taken up a new application palette.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

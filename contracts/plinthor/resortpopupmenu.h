@@ -80,7 +80,9 @@ public:
     /// Enables or disables every entry whose text() equals \a text exactly.
     void EnableEntry(QString text, bool enable);
 
+    /// Sets how the entries are ordered; they are put in order the next time the menu shows or Resort() runs.
     void setSortMode(SortMode mode);
+    /// How the entries are ordered.
     SortMode sortMode() const { return m_eSortMode; }
     /// Puts the entries in order now, as showing the menu does.
     void Resort();
@@ -88,6 +90,7 @@ public:
 protected:
     /// Sorts the entries before the menu appears; a derived class that overrides it must call it.
     void showEvent(QShowEvent* event) override;
+    /// Reimplemented to forget the routing of removed entries and to note that the ids changed.
     void actionEvent(QActionEvent* event) override;
 
 protected Q_SLOTS:

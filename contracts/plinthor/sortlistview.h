@@ -53,6 +53,7 @@ public:
     void setSorting(int column, Qt::SortOrder order = Qt::AscendingOrder);
     /// The sort column, -1 while sorting is off.
     int sortingColumn() const { return m_nSortColumn; }
+    /// The sort order.
     Qt::SortOrder sortingOrder() const { return m_eSortOrder; }
 
     /**
@@ -99,6 +100,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     /// Sorts rows that came while the view was hidden before it appears.
     void showEvent(QShowEvent* event) override;
+    /// Reimplemented to activate the current row on Return or Enter, unless a cell is being edited.
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
@@ -132,6 +134,7 @@ public:
     explicit SortListViewItem(QTreeWidgetItem* parent, const QStringList& texts = QStringList());
     ~SortListViewItem() override;
 
+    /// Reimplemented to order rows as the class description says.
     bool operator<(const QTreeWidgetItem& other) const override;
     /// Called when the user activates the row (double click, Return); a plain row does nothing.
     virtual void activate();
@@ -152,6 +155,8 @@ public:
 class PLINTHOR_EXPORT CheckSortListViewItem : public SortListViewItem
 {
 public:
+    /// A row at the top of \a parent, unchecked, whose box is labelled \a text0, with \a text1 to \a text7
+    /// in columns 1 to 7.
     CheckSortListViewItem(QTreeWidget* parent, QString text0, QString text1 = QString(), QString text2 = QString(),
                           QString text3 = QString(), QString text4 = QString(), QString text5 = QString(),
                           QString text6 = QString(), QString text7 = QString());
@@ -165,6 +170,7 @@ public:
     QCheckBox* GetCheckBox() const;
 
     void activate() override;
+    /// Reimplemented to keep the box's label in step with the text of column 0.
     void setData(int column, int role, const QVariant& value) override;
 
 private:

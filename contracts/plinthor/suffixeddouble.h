@@ -99,19 +99,24 @@ public:
     bool SetSuffix_ValuePath(const QString& path);
     /// Fixes the prefix, or with SuffixAuto lets the magnitude choose it. Unknown numbers are ignored.
     void SetSuffix(SuffixedDouble::ESuffix suffix);
+    /// The fixed prefix, or SuffixAuto.
     SuffixedDouble::ESuffix GetSuffix() const { return m_eSuffix; }
     /// Sets the step between neighbouring prefixes; factors below 2 are ignored.
     void SetFactor(int factor);
+    /// The step between neighbouring prefixes (1000 unless set otherwise).
     int GetFactor() const { return m_nFactor; }
     /// Sets the unit text written behind the prefix.
     void SetStringSuffix(QString suffix);
+    /// The unit text written behind the prefix.
     QString GetStringSuffix() const { return m_strSuffix; }
     /// True for a plain number, false for a frequency.
     bool IsPlain() const { return m_bPlain; }
 
     /// Parses \a text into the held number; false, with the number unchanged, for text it refuses.
     bool SetFrequencyString(QString text);
+    /// Sets the held number, as it is (no check, no rounding).
     void SetValue(double value);
+    /// The held number.
     double GetValue() const { return m_fValue; }
 
     /// The display text of \a value, or of the held number for HeldValue.

@@ -17,6 +17,7 @@ public:
     virtual ~UndoRecordingControlBase();
     /// Switches recording of this control's edits on or off. Off, the control still writes its values.
     void SetUndoRecordingEnabled(bool enabled);
+    /// True when this control's edits are recorded for undo.
     bool IsUndoRecordingEnabled() const { return m_bUndoRecordingEnabled; }
 
 private:
@@ -34,6 +35,7 @@ private:
 class PLINTHOR_EXPORT GuiUndoRecordingHelper
 {
 public:
+    /// Opens the span of an edit by \a control, described by \a description (may be empty).
     GuiUndoRecordingHelper(const UndoRecordingControlBase* control, const QString& description);
     ~GuiUndoRecordingHelper();
     GuiUndoRecordingHelper(const GuiUndoRecordingHelper&) = delete;

@@ -21,6 +21,7 @@ namespace values {
 class KORTHANE_EXPORT Command : public ORVI::ICommand
 {
 public:
+    /// Makes a command of kind \a commandId (see GetCommandId()).
     explicit Command(int commandId);
     ~Command() override;
     /// The kind of the command, for example 20 for setting a checked-string vector.

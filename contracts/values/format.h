@@ -16,7 +16,9 @@ class CheckedString;
 template <class T>
 struct FormatBool
 {
+    /// "true" or "false".
     static QString ToString(const T& value) { return value ? QStringLiteral("true") : QStringLiteral("false"); }
+    /// Reads \a text (case and surrounding spaces ignored) into \a out; false, leaving \a out, for other text.
     static bool FromString(const QString& text, T& out)
     {
         const QString t = text.trimmed().toLower();
@@ -36,7 +38,9 @@ struct FormatBool
 template <class T>
 struct FormatInt
 {
+    /// The number in decimal, in the C locale.
     static QString ToString(const T& value) { return QString::number(value); }
+    /// Reads a decimal integer into \a out; false, leaving \a out, when \a text is no number or out of T's range.
     static bool FromString(const QString& text, T& out)
     {
         bool ok = false;
@@ -52,7 +56,9 @@ struct FormatInt
 template <class T>
 struct FormatInt64
 {
+    /// The number in decimal, in the C locale.
     static QString ToString(const T& value) { return QString::number(value); }
+    /// Reads a decimal integer into \a out; false, leaving \a out, when \a text is no 64-bit number.
     static bool FromString(const QString& text, T& out)
     {
         bool ok = false;
@@ -67,7 +73,9 @@ struct FormatInt64
 template <class T>
 struct FormatDouble
 {
+    /// The shortest text, in the C locale, that reads back as \a value.
     static QString ToString(const T& value) { return QString::number(double(value), 'g', QLocale::FloatingPointShortest); }
+    /// Reads a number in the C locale (decimal point '.') into \a out; false, leaving \a out, for other text.
     static bool FromString(const QString& text, T& out)
     {
         bool ok = false;
@@ -82,7 +90,9 @@ struct FormatDouble
 template <class T>
 struct FormatString
 {
+    /// The text itself.
     static QString ToString(const T& value) { return value; }
+    /// Copies \a text into \a out; never false.
     static bool FromString(const QString& text, T& out)
     {
         out = text;
@@ -93,7 +103,9 @@ struct FormatString
 /// Text form of a checked string: "1:text" or "0:text".
 struct KORTHANE_EXPORT FormatCheckedString
 {
+    /// "1:" for a checked string, "0:" otherwise, followed by the text.
     static QString ToString(const CheckedString& value);
+    /// Reads "1:text" or "0:text" into \a out; false, leaving \a out, for anything else.
     static bool FromString(const QString& text, CheckedString& out);
 };
 
@@ -106,6 +118,7 @@ struct KORTHANE_EXPORT FormatCheckedString
 template <class T, class F>
 struct StreamFormat
 {
+    /// The escaped UTF-8 text form of \a value.
     static std::string ToStream(const T& value, int format)
     {
         Q_UNUSED(format)
@@ -124,17 +137,23 @@ struct StreamFormat
 /// The text format a value class uses when none is named.
 template <class T>
 struct DefaultFormat;
+/// Booleans are written with FormatBool.
 template <>
-struct DefaultFormat<bool> { using type = FormatBool<bool>; };
+struct DefaultFormat<bool> { using type = FormatBool<bool>; /**< The format class. */ };
+/// 32-bit integers are written with FormatInt.
 template <>
-struct DefaultFormat<int> { using type = FormatInt<int>; };
+struct DefaultFormat<int> { using type = FormatInt<int>; /**< The format class. */ };
+/// Unsigned short integers are written with FormatInt.
 template <>
-struct DefaultFormat<unsigned short> { using type = FormatInt<unsigned short>; };
+struct DefaultFormat<unsigned short> { using type = FormatInt<unsigned short>; /**< The format class. */ };
+/// 64-bit integers are written with FormatInt64.
 template <>
-struct DefaultFormat<long long> { using type = FormatInt64<long long>; };
+struct DefaultFormat<long long> { using type = FormatInt64<long long>; /**< The format class. */ };
+/// Doubles are written with FormatDouble.
 template <>
-struct DefaultFormat<double> { using type = FormatDouble<double>; };
+struct DefaultFormat<double> { using type = FormatDouble<double>; /**< The format class. */ };
+/// Texts are written with FormatString.
 template <>
-struct DefaultFormat<QString> { using type = FormatString<QString>; };
+struct DefaultFormat<QString> { using type = FormatString<QString>; /**< The format class. */ };
 
 } // namespace values

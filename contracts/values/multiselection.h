@@ -16,6 +16,7 @@ namespace values {
 /// \brief One entry of a multi-selection's change journal.
 struct MultiSelectionChange
 {
+    /// What changed.
     enum Kind : unsigned char {
         ItemsRebuilt = 1,   ///< the item set was replaced as a whole
         ItemAddedKind = 2,  ///< an item was added
@@ -37,6 +38,7 @@ struct MultiSelectionChange
 class KORTHANE_EXPORT MultiSelectionChangeLog
 {
 public:
+    /// An empty journal keeping at most \a capacity entries (at least 1).
     explicit MultiSelectionChangeLog(int capacity = 64);
     /// The number of retained entries.
     int GetCount() const { return m_nCount; }
@@ -63,8 +65,11 @@ class KORTHANE_EXPORT IMultiSelectionItem
 {
 public:
     virtual ~IMultiSelectionItem();
+    /// True when the item is checked.
     virtual bool IsChecked() const = 0;
+    /// True when the item can be checked or unchecked by the user.
     virtual bool IsEnabled() const = 0;
+    /// The untranslated name of the item.
     virtual const QString& GetName() const = 0;
 };
 
@@ -95,7 +100,9 @@ public:
      * an item unchecks the others. False for an unknown key.
      */
     virtual bool SetItemChecked(int key, bool checked, IObserver* originator) = 0;
+    /// True when the item of \a key is checked; false also for an unknown key.
     virtual bool IsItemChecked(int key) = 0;
+    /// True when the item of \a key is enabled; false also for an unknown key.
     virtual bool IsItemEnabled(int key) = 0;
     /// 1: at most one item can be checked; any other mode: any number.
     virtual int GetSelectionMode() = 0;
@@ -103,6 +110,7 @@ public:
     virtual void UncheckAll(IObserver* originator) = 0;
     /// True when the value offers an entry that means "nothing chosen".
     virtual bool HasNoneEntry() = 0;
+    /// The text of the entry that means "nothing chosen".
     virtual const QString& GetNoneEntryText() = 0;
     /// The text that stands for several checked items.
     virtual const QString& GetSeveralEntryText() = 0;
@@ -112,6 +120,7 @@ public:
 class KORTHANE_EXPORT StringMultiSelectionItem : public IMultiSelectionItem
 {
 public:
+    /// An item named \a name with its check mark and enabled flag.
     StringMultiSelectionItem(const QString& name = QString(), bool checked = false, bool enabled = true)
         : m_strName(name)
         , m_bChecked(checked)
@@ -121,7 +130,9 @@ public:
     bool IsChecked() const override { return m_bChecked; }
     bool IsEnabled() const override { return m_bEnabled; }
     const QString& GetName() const override { return m_strName; }
+    /// Sets this item's check mark alone, telling no one; a value changes marks with SetItemChecked().
     void SetChecked(bool checked) { m_bChecked = checked; }
+    /// Sets this item's enabled flag alone, telling no one; a value changes flags with SetItemEnabled().
     void SetEnabled(bool enabled) { m_bEnabled = enabled; }
 
 private:
@@ -133,12 +144,14 @@ private:
 /// Text form of a string multi-selection item: its name.
 struct StringMultiSelectionItemFormat
 {
+    /// The name of \a item.
     static QString ToString(const StringMultiSelectionItem& item) { return item.GetName(); }
 };
 
 /// Reads and writes the items of a string multi-selection as their names.
 struct StringMultiSelectionItemAdapter
 {
+    /// The name of \a item.
     static QString Name(const StringMultiSelectionItem& item) { return item.GetName(); }
 };
 
@@ -155,6 +168,7 @@ struct StringMultiSelectionItemAdapter
 class KORTHANE_EXPORT MultiSelectionValueBase : public ValueBase, public IValueMultiSelection
 {
 public:
+    /// An empty multi-selection; \a selectionMode 1 allows at most one checked item.
     explicit MultiSelectionValueBase(int selectionMode);
     ~MultiSelectionValueBase() override;
 
@@ -195,6 +209,7 @@ public:
     /// Checks exactly the items of \a keys (others unchecked), one notification.
     bool SetCheckedKeys(const std::vector<unsigned int>& keys, IObserver* originator);
 
+    /// Puts back the check marks captured for undo, notifying everyone.
     bool RestoreState(const std::vector<unsigned int>& checkedKeys) { return SetCheckedKeys(checkedKeys, nullptr); }
 
 protected:
@@ -235,6 +250,7 @@ class ValueMultiSelection : public MultiSelectionValueBase
     static_assert(std::is_same<Item, StringMultiSelectionItem>::value, "items are strings");
 
 public:
+    /// An empty multi-selection in \a selectionMode (1: at most one checked item).
     explicit ValueMultiSelection(int selectionMode = DefaultMode)
         : MultiSelectionValueBase(selectionMode)
     {

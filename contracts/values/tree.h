@@ -66,6 +66,7 @@ private:
 class KORTHANE_EXPORT UniqueValuesCreator
 {
 public:
+    /// The one creator of the process.
     static UniqueValuesCreator& Instance();
     /**
      * \brief Creates an empty ValueSelection in the tree and returns its path.

@@ -21,6 +21,7 @@ class KORTHANE_EXPORT IUndoRecordingsListener
 {
 public:
     virtual ~IUndoRecordingsListener();
+    /// Called after the list of recordings may have changed; read it again from here.
     virtual void NotifyUndoRecordingsChanged() = 0;
 };
 
@@ -32,6 +33,7 @@ public:
     virtual ~UndoRecordingsListenerNotifier();
     /// Adds \a listener; adding it twice changes nothing. The caller keeps ownership.
     void AddUndoRecordingsListener(IUndoRecordingsListener* listener);
+    /// Removes \a listener; one not added is ignored. Safe from inside a notification.
     void RemoveUndoRecordingsListener(IUndoRecordingsListener* listener);
 
 protected:
@@ -57,6 +59,7 @@ private:
 class KORTHANE_EXPORT UndoRecorder
 {
 public:
+    /// The one recorder of the process.
     static UndoRecorder& Instance();
 
     /// Opens a span; \a enabled false makes a span whose writes are not recorded.
@@ -81,6 +84,7 @@ public:
     /// Drops every recording.
     void Clear();
 
+    /// The largest number of recordings kept.
     int HistoryLimit() const { return m_nLimit; }
     /// Sets how many recordings are kept (at least 1); older ones drop out at once.
     void SetHistoryLimit(int limit);
@@ -88,8 +92,13 @@ public:
     /// Drops the recordings that touched \a value (called as the value goes).
     void ForgetValue(const ValueBase* value);
 
-    /// \internal Observers of the history: told after every change of the list.
+    /**
+     * \brief Registers \a client, whose \a changed is called after every change of the history (a
+     * recording added, undone, dropped or cleared). Registering it again replaces its function. The
+     * caller keeps ownership and must remove the client before it goes.
+     */
     void AddClient(UndoRecordingsListenerNotifier* client, void (*changed)(UndoRecordingsListenerNotifier*));
+    /// Unregisters \a client; an unknown client is ignored.
     void RemoveClient(UndoRecordingsListenerNotifier* client);
 
 private:
@@ -135,6 +144,7 @@ private:
 class KORTHANE_EXPORT UndoRecordingsToValueClient : public IObserver, public UndoRecordingsListenerNotifier
 {
 public:
+    /// Lists the recordings under \a basePath and registers with the recorder to hear of changes.
     explicit UndoRecordingsToValueClient(const QString& basePath);
     ~UndoRecordingsToValueClient() override;
 
@@ -142,8 +152,10 @@ public:
     bool ExecuteUndo(unsigned int recording);
     /// The descriptions of the recordings under the base path, newest first.
     std::list<QString> GetUndoRecordingDescriptions();
+    /// Reimplemented to do nothing: the recorder, not the values, tells this client of changes.
     void Update(Observable* source, TChangeCode code) override;
 
+    /// The base path whose recordings this client lists.
     QString GetBasePath() const { return m_strBasePath; }
 
 private:

@@ -15,8 +15,10 @@ template <class T, class F = typename DefaultFormat<T>::type, class S = StreamFo
 class Value : public ValueBase
 {
 public:
+    /// The type of the value held.
     using value_type = T;
 
+    /// A value holding \a initial, outside the tree until Tree::Add() places it.
     explicit Value(const T& initial = T())
         : m_value(initial)
     {

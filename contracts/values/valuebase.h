@@ -83,10 +83,12 @@ protected:
     class KORTHANE_EXPORT UndoStep
     {
     public:
+        /// Captures how to restore \a value now, when recording is on; otherwise the step does nothing.
         explicit UndoStep(ValueBase* value);
         ~UndoStep();
         UndoStep(const UndoStep&) = delete;
         UndoStep& operator=(const UndoStep&) = delete;
+        /// Records the pair of commands of the write just made; does nothing when nothing was captured.
         void Done();
 
     private:
@@ -129,6 +131,10 @@ private:
 class KORTHANE_EXPORT ValueTransaction
 {
 public:
+    /**
+     * \brief Opens a transaction on \a value; the outermost one notifies \a code, skipping \a originator,
+     * when it ends. A null \a value gives a scope that does nothing.
+     */
     ValueTransaction(ValueBase* value, TChangeCode code, const IObserver* originator);
     ~ValueTransaction();
     ValueTransaction(const ValueTransaction&) = delete;
@@ -150,16 +156,21 @@ private:
 class KORTHANE_EXPORT ValueBase::CommandOnValue : public Command
 {
 public:
+    /// A command of kind \a commandId on \a value, written on behalf of \a originator (may be null).
     CommandOnValue(int commandId, ValueBase* value, IObserver* originator);
     ~CommandOnValue() override;
     void AddCommandString(std::string& out, int format) override;
 
+    /// The value the command acts on.
     ValueBase* GetValue() const { return m_pValue; }
+    /// The observer on whose behalf the command writes; it is not notified of the write. May be null.
     IObserver* GetOriginator() const { return m_pOriginator; }
 
 protected:
     using Command::AddSemicolon;
+    /// The value the command acts on; not owned.
     ValueBase* m_pValue;
+    /// The originator of the command's write; not owned, may be null.
     IObserver* m_pOriginator;
 };
 
@@ -173,6 +184,7 @@ class RestoreCommand : public ValueBase::CommandOnValue
 {
 public:
     enum { Id = 1 };
+    /// A command that puts \a value back into \a state, on behalf of no observer.
     RestoreCommand(V* value, const S& state)
         : CommandOnValue(Id, value, nullptr)
         , m_state(state)
@@ -180,6 +192,7 @@ public:
     }
     bool Execute() override { return static_cast<V*>(m_pValue)->RestoreState(m_state); }
     Command* Clone() const override { return new RestoreCommand(static_cast<V*>(m_pValue), m_state); }
+    /// The captured state the command restores.
     const S& GetState() const { return m_state; }
 
 private:

@@ -26,13 +26,17 @@ public:
      * \a originator. A write of the number already held notifies nothing; NaN is refused.
      */
     virtual bool SetValue(double value, IObserver* originator) = 0;
+    /// The lower limit.
     virtual double GetMinimum() const = 0;
+    /// The upper limit.
     virtual double GetMaximum() const = 0;
     /// The step; 0 when none is set.
     virtual double GetStep() const = 0;
+    /// The current number, always within the limits.
     virtual double GetValue() const = 0;
     /// Stores the pending number (clamped) beside the value and notifies PendingValueChanged.
     virtual bool SetPendingValue(double value, IObserver* originator) = 0;
+    /// The pending number: one proposed beside the value and not yet committed.
     virtual double GetPendingValue() const = 0;
     /// Makes the pending number the value, as SetValue does.
     virtual bool CommitPendingValue(IObserver* originator) = 0;
@@ -42,6 +46,10 @@ public:
 class KORTHANE_EXPORT NumericValueBase : public ValueBase, public IValueNumeric
 {
 public:
+    /**
+     * \brief A number starting at \a value (NaN starts at 0) fitted into \a minimum..\a maximum;
+     * \a integral keeps it a whole number. Limits in the wrong order or NaN give the whole double range.
+     */
     NumericValueBase(double value, double minimum, double maximum, double step, bool integral);
     ~NumericValueBase() override;
 
@@ -65,10 +73,12 @@ public:
      */
     bool SetRange(double minimum, double maximum, double step, IObserver* originator = nullptr);
 
+    /// Puts back a number captured for undo, notifying everyone.
     bool RestoreState(double state) { return SetValue(state, nullptr); }
 
 protected:
     Command* CreateRestoreCommand() override;
+    /// \a value clamped into the limits and, for an integral value, rounded to a whole number inside them.
     double fit(double value) const;
 
 private:
@@ -91,7 +101,9 @@ class ValueNumeric : public NumericValueBase
     static_assert(std::is_arithmetic<T>::value, "ValueNumeric holds numbers");
 
 public:
+    /// The type of the number held.
     using value_type = T;
+    /// A number starting at \a value, clamped into \a minimum..\a maximum, with \a step (0: none).
     ValueNumeric(T value, T minimum, T maximum, T step = T())
         : NumericValueBase(double(value), double(minimum), double(maximum), double(step), std::is_integral<T>::value)
     {

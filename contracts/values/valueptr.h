@@ -60,16 +60,24 @@ public:
             attachAll();
     }
 
+    /// The held value; null when none is held or it has gone.
     T* Get() const { return m_pValue; }
+    /// The held value, for calls on it; check first that one is held.
     T* operator->() const { return m_pValue; }
+    /// True while a value is held.
     explicit operator bool() const { return m_pValue != nullptr; }
 
 protected:
+    /// Detaches this holder (and, in subclasses, its other observers) from the held value.
     virtual void detachAll() { observable()->Detach(this); }
+    /// Attaches this holder (and, in subclasses, its other observers) to the held value.
     virtual void attachAll() { observable()->Attach(this); }
+    /// The Observable part of the held value; only valid while one is held.
     Observable* observable() const { return static_cast<Observable*>(m_pValue); }
+    /// The held value as ValueBase; only valid while one is held.
     ValueBase* valueBase() const { return dynamic_cast<ValueBase*>(observable()); }
 
+    /// The held value; not owned (the tree owns it).
     T* m_pValue = nullptr;
 };
 
@@ -83,6 +91,7 @@ template <class T>
 class ValueObservingPtr : public ValuePtr<T>
 {
 public:
+    /// A holder that attaches \a target (not owned; may be null) to each value it holds.
     explicit ValueObservingPtr(IObserver* target)
         : m_pTarget(target)
     {
@@ -92,15 +101,18 @@ public:
         if (this->m_pValue && m_pTarget)
             this->observable()->Detach(m_pTarget);
     }
+    /// The observer attached beside the holder.
     IObserver* GetTarget() const { return m_pTarget; }
 
 protected:
+    /// Reimplemented to detach the target first.
     void detachAll() override
     {
         if (m_pTarget)
             this->observable()->Detach(m_pTarget);
         ValuePtr<T>::detachAll();
     }
+    /// Reimplemented to attach the target before the holder.
     void attachAll() override
     {
         if (m_pTarget)

@@ -13,14 +13,18 @@ namespace values {
 class KORTHANE_EXPORT SelectionItem
 {
 public:
+    /// An item named \a name (untranslated) with the number \a value and the key \a key.
     SelectionItem(const QString& name, double value, long key)
         : m_strName(name)
         , m_fValue(value)
         , m_nKey(key)
     {
     }
+    /// The key that identifies the item in its selection.
     long GetKey() const { return m_nKey; }
+    /// The untranslated name; controls translate it in the value's translation namespace.
     QString GetName() const { return m_strName; }
+    /// The number of the item (see ValueSelection::SelectValue).
     double GetValue() const { return m_fValue; }
 
 private:
@@ -40,6 +44,7 @@ private:
 class KORTHANE_EXPORT ValueSelection : public ValueBase
 {
 public:
+    /// An empty selection; with \a followNewest every added item becomes current.
     explicit ValueSelection(bool followNewest = false);
     ~ValueSelection() override;
 
@@ -60,6 +65,7 @@ public:
     virtual void AddItem(const QString& name, double value, long key, void* reserved);
     /// Empties the list (no item is current) and notifies ItemsCleared.
     virtual void ClearItems(IObserver* originator);
+    /// The number of items.
     virtual int GetItemCount() const;
     /// The item at \a index, null when out of range.
     virtual SelectionItem* GetItemAt(int index);
@@ -87,6 +93,7 @@ public:
     bool SetValueFromText(const QString& text, IObserver* originator) override;
     QString GetValueString() const override;
 
+    /// Puts back the current item captured for undo (LONG_MIN: none current), notifying everyone.
     bool RestoreState(long key);
 
 protected:

@@ -13,24 +13,33 @@ namespace values {
 class KORTHANE_EXPORT CheckedString
 {
 public:
+    /// A text \a text, checked when \a checked is true.
     CheckedString(const QString& text = QString(), bool checked = false)
         : m_strText(text)
         , m_bChecked(checked)
     {
     }
+    /// Copies text and check mark.
     CheckedString(const CheckedString&) = default;
+    /// Copies text and check mark.
     CheckedString& operator=(const CheckedString&) = default;
     virtual ~CheckedString();
 
+    /// The text.
     QString GetString() const { return m_strText; }
+    /// True when checked.
     bool GetChecked() const { return m_bChecked; }
+    /// Sets the text.
     void SetString(const QString& text) { m_strText = text; }
+    /// Sets the check mark.
     void SetChecked(bool checked) { m_bChecked = checked; }
 
+    /// True when text and check mark are both equal.
     bool operator==(const CheckedString& other) const
     {
         return m_bChecked == other.m_bChecked && m_strText == other.m_strText;
     }
+    /// True when text or check mark differ.
     bool operator!=(const CheckedString& other) const { return !(*this == other); }
 
 private:
@@ -38,8 +47,9 @@ private:
     bool m_bChecked;
 };
 
+/// Checked strings are written as text with FormatCheckedString.
 template <>
-struct DefaultFormat<CheckedString> { using type = FormatCheckedString; };
+struct DefaultFormat<CheckedString> { using type = FormatCheckedString; /**< The format class. */ };
 
 template <class T, class F = typename DefaultFormat<T>::type, class S = StreamFormat<T, F>>
 class ValueVector;
@@ -55,6 +65,7 @@ class KORTHANE_EXPORT ValueVector<CheckedString, FormatCheckedString, StreamForm
     : public ValueBase
 {
 public:
+    /// The type of the value held.
     using Vector = std::vector<CheckedString>;
 
     /// \brief Sets a checked-string vector to a stored copy (command id 20).
@@ -62,6 +73,7 @@ public:
     {
     public:
         enum { Id = 20 };
+        /// A command that sets \a value to a copy of \a vector on behalf of \a originator.
         CommandSetValue(ValueVector* value, const Vector& vector, IObserver* originator);
         ~CommandSetValue() override;
         /// Runs the set operation with the stored vector and originator.
@@ -69,12 +81,14 @@ public:
         /// Head, element count, then each element's stream form, each followed by ';'.
         void AddCommandString(std::string& out, int format) override;
         Command* Clone() const override;
+        /// The vector the command sets.
         const Vector& GetVector() const { return m_vector; }
 
     private:
         Vector m_vector;
     };
 
+    /// A vector holding \a initial.
     explicit ValueVector(Vector initial = {});
     ~ValueVector() override;
 

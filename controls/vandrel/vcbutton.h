@@ -23,8 +23,11 @@ class VCButton;
 class VANDREL_EXPORT IButtonClickCallback
 {
 public:
+    /// A callback; it holds no state of its own.
     IButtonClickCallback() = default;
+    /// Copies the callback.
     IButtonClickCallback(const IButtonClickCallback&) = default;
+    /// Copies the callback.
     IButtonClickCallback& operator=(const IButtonClickCallback&) = default;
     virtual ~IButtonClickCallback();
 
@@ -56,7 +59,9 @@ public:
 class VANDREL_EXPORT VCButton : public QToolButton, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
+    /// The untranslated names of the selection's items (see GetItemList()).
     Q_PROPERTY(QStringList itemList READ GetItemList)
+    /// The untranslated name of the current item (see GetCurrentText()).
     Q_PROPERTY(QString currentText READ GetCurrentText)
 
 public:
@@ -138,17 +143,26 @@ Q_SIGNALS:
     void ButtonToggled(bool checked);
 
 protected:
+    /// Reimplemented to run the repeat: a first delay of 500 ms, then a click every repeat interval.
     void timerEvent(QTimerEvent* event) override;
+    /// Reimplemented to start the repeat; in no-button mode the button shows no press.
     void mousePressEvent(QMouseEvent* event) override;
+    /// Reimplemented to stop the repeat; in no-button mode it sends clicked() instead.
     void mouseReleaseEvent(QMouseEvent* event) override;
+    /// Reimplemented to click on Space, Return or Enter and start the repeat.
     void keyPressEvent(QKeyEvent* event) override;
+    /// Reimplemented to stop the repeat; in no-button mode any released key sends clicked().
     void keyReleaseEvent(QKeyEvent* event) override;
+    /// Reimplemented to stop the repeat and show the current item's picture and down state again.
     void focusOutEvent(QFocusEvent* event) override;
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    /// Reimplemented to show no hover in no-button mode.
     void enterEvent(QEnterEvent* event) override;
 #else
+    /// Reimplemented to show no hover in no-button mode.
     void enterEvent(QEvent* event) override;
 #endif
+    /// Reimplemented to show no hover in no-button mode.
     void leaveEvent(QEvent* event) override;
 
 private:

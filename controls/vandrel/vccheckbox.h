@@ -69,6 +69,7 @@ public:
     bool GetBool();
     /// True when a change came in or went out since the flag was last cleared.
     bool GetDirty() const;
+    /// Sets or clears the dirty flag; the application clears it once it has taken up the change.
     void SetDirty(bool dirty);
     /// Sets the text beside the box.
     void SetText(QString text);

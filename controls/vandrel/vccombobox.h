@@ -75,6 +75,7 @@ public:
     void Commit();
     /// True when the list was picked in or told of a change since the flag was last cleared.
     bool GetDirty();
+    /// Sets or clears the dirty flag; the application clears it once it has taken up the change.
     void SetDirty(bool dirty);
     /// Items get their text as tool-tip, from the next rebuild of the list on.
     void EnableItemToolTip(bool enable);
@@ -102,6 +103,7 @@ protected:
     /// Shows the multi-selection's first checked item; with none checked the entry stays.
     void SetMItem();
 
+    /// Reimplemented to hold back the writes of a pick until Qt's combo box has finished with the event.
     bool event(QEvent* event) override;
     /// Notes that the popup closes: a pick announced right after it comes from the popup.
     void hidePopup() override;
@@ -198,16 +200,23 @@ Q_SIGNALS:
     void SignalSelectionChangedByUserInput();
 
 protected:
+    /// Adds the first selection's items (or the first multi-selection's) to the menu; gives their number.
     int Add1stSelection2Combo();
+    /// Adds a separator and the second selection's items (or the second multi-selection's); gives their number.
     int Add2ndSelection2Combo();
+    /// Adds the first multi-selection's items as checkable entries; gives their number, 0 unbound.
     int Add1stMSelection2Combo();
+    /// Adds a separator and the second multi-selection's items as checkable entries; gives their number.
     int Add2ndMSelection2Combo();
     /// Text and check mark follow the first selection.
     void SetCurrentItem();
     /// Check marks follow the second selection.
     void SetMenuSelectionItem();
 
+    /// Reimplemented to step the first selection, while it and the value part are enabled.
     void wheelEvent(QWheelEvent* event) override;
+    /// Reimplemented: Space, Return and Enter press the button (see the class description), Up and Down
+    /// step the first selection.
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:

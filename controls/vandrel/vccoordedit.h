@@ -46,10 +46,15 @@ public:
      */
     bool SetFormat_ValuePath(const QString& path);
 
+    /// The latitude shown, in degrees.
     double GetLatitude();
+    /// The longitude shown, in degrees.
     double GetLongitude();
+    /// Shows \a latitude; the bound latitude value is not written.
     void SetLatitude(double latitude);
+    /// Shows \a longitude; the bound longitude value is not written.
     void SetLongitude(double longitude);
+    /// As setFormat(): shows the position in \a format and writes it to the bound format value.
     void SetFormat(CoordFormat format);
     /// Switches the context menu on or off.
     void EnableContextMenu(bool enable);
@@ -61,16 +66,27 @@ public:
     void Update(Observable* source, TChangeCode code) override;
 
 public Q_SLOTS:
+    /// setFormat() with the format's number \a id; numbers outside 0 to 6 are ignored.
     void slotSetFormat(int id);
+    /// setFormat(GeoDecimal).
     void slotChangeFormatGeoDecimal();
+    /// setFormat(Geo).
     void slotChangeFormatGeo();
+    /// setFormat(GeoNoFrac).
     void slotChangeFormatGeoNoFrac();
+    /// setFormat(Utm).
     void slotChangeFormatUtm();
+    /// setFormat(UtmRef).
     void slotChangeFormatUtmRef();
+    /// setFormat(RT90).
     void slotChangeFormatRT90();
+    /// setFormat(SweRef99).
     void slotChangeFormatSweRef99();
+    /// Puts the position, in the current format, on the clipboard.
     void slotCopy2Clipboard();
+    /// Reads the clipboard's text as if typed; a position it gives is written to the bound values.
     void slotPasteClipboard();
+    /// Takes up the current colours of the parent or the application.
     void slotAcceptColorChanges();
 
 protected:

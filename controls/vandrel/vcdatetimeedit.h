@@ -51,6 +51,7 @@ public:
     bool SetDateTime_ValuePath(const QString& path);
     /// Switches between a span (days and time of day, UTC) and a moment (local date and time).
     void SetDifferential(bool differential);
+    /// True in differential mode (a span), false in absolute mode (a moment).
     bool GetDifferential();
     /// Shows or hides the days and their caption, without changing the mode.
     void SetDaysVisible(bool visible);
@@ -59,30 +60,50 @@ public:
      * 23:59:59 its upper one), and writes the moment the edit holds.
      */
     void ChangeToTimeSpec(Qt::TimeSpec zone);
+    /// The spin box of the days; owned by the control.
     QSpinBox* GetDaysEdit();
+    /// The date and time edit; owned by the control.
     QDateTimeEdit* GetTimeEdit();
 
     /// Names the control \a name, the edit \a name + "_DateTime", the spin box \a name + "_Days".
     void setObjectName(const QString& name);
+    /// Makes the edit and the days read-only, or editable again.
     void setReadOnly(bool readOnly);
+    /// Sets the button symbols of the edit and the days.
     void setButtonSymbols(QAbstractSpinBox::ButtonSymbols symbols);
 
     // The time edit's own calls. Those that change its moment write it.
+    /// The button symbols of the edit.
     QAbstractSpinBox::ButtonSymbols buttonSymbols() const;
+    /// Resets the edit's latest date to Qt's default; a moment that moves is written.
     void clearMaximumDate();
+    /// Resets the edit's latest time of day to Qt's default; a moment that moves is written.
     void clearMaximumTime();
+    /// Resets the edit's earliest date to Qt's default; a moment that moves is written.
     void clearMinimumDate();
+    /// Resets the edit's earliest time of day to Qt's default; a moment that moves is written.
     void clearMinimumTime();
+    /// The moment the edit shows.
     QDateTime dateTime() const;
+    /// Lets the edit open a calendar to pick the date from.
     void setCalendarPopup(bool enable);
+    /// Shows \a dateTime; a moment that changed is written.
     void setDateTime(const QDateTime& dateTime);
+    /// Sets the edit's display format (see QDateTimeEdit::displayFormat); a moment that moves is written.
     void setDisplayFormat(const QString& format);
+    /// Sets the edit's latest date; a moment beyond it is moved to it and written.
     void setMaximumDate(const QDate& max);
+    /// Sets the edit's latest time of day; a moment beyond it is moved to it and written.
     void setMaximumTime(const QTime& max);
+    /// Sets the edit's earliest date; a moment before it is moved to it and written.
     void setMinimumDate(const QDate& min);
+    /// Sets the edit's earliest time of day; a moment before it is moved to it and written.
     void setMinimumTime(const QTime& min);
+    /// Shows \a time on the date shown; a moment that changed is written.
     void setTime(const QTime& time);
+    /// The text of the edit.
     QString text() const;
+    /// The time of day the edit shows.
     QTime time() const;
 
     void Update(Observable* source, TChangeCode code) override;

@@ -75,9 +75,11 @@ public:
     /// Recomputes and shows the text from the bound values.
     void Display();
 
+    /// Enters (\a noValue true) or leaves the no-value state and shows the text again.
     void SetDisplayNoValue(bool noValue);
     /// SetDisplayNoValue() only when \a noValue differs from the state.
     void UpdateDisplayNoValue(bool noValue);
+    /// True in the no-value state.
     bool GetDisplayNoValue();
     /// The alignment (Qt::Alignment bits) of "- - -".
     void SetAlignmentNoValue(int alignment);
@@ -86,6 +88,7 @@ public:
 
     /// Paints in \a foreground on \a background.
     void SetColors(QColor foreground, QColor background);
+    /// Paints the background in \a background from now on.
     void SetBackgroundColor(QColor background);
     /// Paints the text in the foreground colour of SetColors().
     void SetForeground();
@@ -94,6 +97,7 @@ public:
     /// Paints the text in the palette's disabled text colour; the argument is not used.
     void SetGray(bool);
 
+    /// Fixes the label's height to \a height pixels.
     void SetHeight(int height);
     /// Gives the label \a font, shrunk point by point until \a text fits; a pixel-sized font is left alone.
     void SetFontOnSize(QFont font, QString text);
@@ -109,6 +113,7 @@ public Q_SLOTS:
     void slotAcceptColorChanges();
 
 protected:
+    /// Reimplemented to draw the line of the line mode given at construction (1 top edge, 2 bottom edge).
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -56,6 +56,7 @@ public:
 protected:
     /// Shows the boolean's picture (false when no boolean is bound).
     void updatePix();
+    /// Reimplemented to invert the bound boolean when the lamp is clickable (no originator, no undo recording).
     void mousePressEvent(QMouseEvent* event) override;
 
 private:

@@ -10,8 +10,8 @@
  *
  * Dark top and left edges, light bottom and right edges, the two corners where they meet in between.
  * Made a few pixels high or wide it looks like an etched line. The inside is not painted, so the
- * parent shows through. The edge colours come from the palette (Shadow and Light), so the line is seen
- * on dark palettes as on light ones. Bound to no value.
+ * parent shows through. The edges are translucent white, black and gray, so the line reads as sunken
+ * on dark windows as on light ones, whatever the palette. Bound to no value.
  */
 class VANDREL_EXPORT VCLine : public QWidget
 {
@@ -22,7 +22,9 @@ public:
     VCLine(QWidget* parent, const char* name);
 
 protected:
+    /// Reimplemented to draw the outline.
     void paintEvent(QPaintEvent* event) override;
+    /// Reimplemented to redraw the outline along the new edges.
     void resizeEvent(QResizeEvent* event) override;
 
 private:

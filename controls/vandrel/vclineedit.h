@@ -151,6 +151,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     /// Ignores key releases: no commit hangs on them.
     void keyReleaseEvent(QKeyEvent* event) override;
+    /// Reimplemented to hold back the writes of a commit until Qt's line edit has finished with the event.
     bool event(QEvent* event) override;
 
 private:

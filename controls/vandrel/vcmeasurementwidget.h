@@ -21,6 +21,8 @@ public:
     /// The title over the value; with ResultName the name comes from the tree.
     enum MeasurementWidgetType { ResultName = 0, Level = 1, Quality = 2, Azimuth = 3, Elevation = 4 };
 
+    /// An unbound block 70 pixels wide, titled after \a type; with ResultName the title is the name of the
+    /// result bound later.
     VCMeasurementWidget(QWidget* parent, VCMeasurementWidget::MeasurementWidgetType type);
     ~VCMeasurementWidget() override;
 

@@ -11,6 +11,7 @@
 #include <memory>
 
 /**
+ * \class VCNumericFloatSpin
  * \brief A QDoubleSpinBox bound to a number (values::IValueNumeric).
  *
  * Four independent scalings stand between the value and the text. The spin box's internal number is
@@ -138,8 +139,9 @@ public Q_SLOTS:
     void SlotEditingFinished();
 
 protected:
-    /// Commits the pending number when the 200 ms timer fires; other timers drive the arrows' repeat.
+    /// Reimplemented to hold back the writes of a step until Qt's spin box has finished with the event.
     bool event(QEvent* event) override;
+    /// Commits the pending number when the 200 ms timer fires; other timers drive the arrows' repeat.
     void timerEvent(QTimerEvent* event) override;
     /// One step per event whatever its size, unless read-only; always accepted, so no parent scrolls.
     void wheelEvent(QWheelEvent* event) override;

@@ -29,6 +29,8 @@ public:
     void Update(Observable* source, TChangeCode code) override;
 
 protected Q_SLOTS:
+    /// Writes the position \a x to the bound number, with the scroll bar as originator; nothing while the
+    /// scroll bar takes over new limits.
     void internalValueChanged(int x);
 
 private:

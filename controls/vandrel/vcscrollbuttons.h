@@ -18,8 +18,11 @@ class VCButton;
 class VANDREL_EXPORT IWheelConsumer
 {
 public:
+    /// A consumer; it holds no state of its own.
     IWheelConsumer() = default;
+    /// Copies the consumer.
     IWheelConsumer(const IWheelConsumer&) = default;
+    /// Copies the consumer.
     IWheelConsumer& operator=(const IWheelConsumer&) = default;
 
     /// One notch up.

@@ -41,7 +41,9 @@ public:
     class VANDREL_EXPORT Validator : public QValidator
     {
     public:
+        /// A validator owned by \a parent.
         explicit Validator(QObject* parent);
+        /// Reimplemented to accept every text unchanged.
         State validate(QString& input, int& pos) const override;
     };
 
@@ -79,6 +81,7 @@ protected:
      */
     QString mapValueToText(int value) override;
 
+    /// Reimplemented to hold back the writes of a step until Qt's spin box has finished with the event.
     bool event(QEvent* event) override;
 
 private:
