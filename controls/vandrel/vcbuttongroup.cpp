@@ -152,9 +152,16 @@ void VCButtonGroup::setNoFrame()
 void VCButtonGroup::Update(Observable* source, TChangeCode code)
 {
     if (code == StateChanged) {
-        if (source == ObservableOf(m_pValueSelection))
+        if (source == ObservableOf(m_pValueSelection)) {
             ApplyValueState(m_pValueSelection, this);
-        return; // the boolean's holder lets go of it by itself
+            return;
+        }
+        // The boolean's state doesn't touch the group. Its holder lets go of it when told of its
+        // removal; a boolean bound while already removed is let go of here, as on that news.
+        values::Value<bool>* checkable = m_CheckableValue.Get();
+        if (checkable && source == ObservableOf(checkable) && checkable->GetState() == Removed)
+            m_CheckableValue.Assign(nullptr);
+        return;
     }
     if (code == ValueDestroyed) {
         ForgetDestroyedValue(m_pValueSelection, source);
