@@ -1394,6 +1394,8 @@ std::vector<Driver> makeDrivers()
             const auto second = oneOfNames(h, c, s);
             c.object->setProperty("pairs", QStringList{names.first, second.first});
             combo->AddSelection(second.first, second.second, filled(Qt::blue), filled(Qt::gray));
+            if (!bound) // the menu button may have taken a multi-selection the others refused
+                combo->findChild<VCComboBoxButtonStyle*>()->SetValueSelection_ValuePath(QString());
             return bound;
         };
         d.input = [pickEntry](Harness& h, Control& c) {
