@@ -79,6 +79,7 @@ public:
     void setAddStretch(bool on);
     /// Sets the margins of the buttons' layout.
     void setContentsMargins(int left, int top, int right, int bottom);
+    using QGroupBox::setContentsMargins; // the QMargins form stays the group box's own
     /// No frame, and no margins around the buttons.
     void setNoFrame();
 
