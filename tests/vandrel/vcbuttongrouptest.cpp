@@ -1,5 +1,7 @@
 #include <vandrel/vcbuttongroup.h>
 
+#include "observercounter.h"
+
 #include <QLayout>
 #include <QPointer>
 #include <QtTest>
@@ -27,26 +29,6 @@ values::ValueSelection* addSelection(const QString& path, const QStringList& nam
     tree().Add(path, selection);
     return selection;
 }
-
-// Counts the writes that reach a value.
-struct Writes : IObserver
-{
-    explicit Writes(values::ValueBase* v) : value(v) { v->Attach(this); }
-    ~Writes() override
-    {
-        if (value)
-            value->Detach(this);
-    }
-    void Update(Observable*, TChangeCode code) override
-    {
-        if (code == ValueChanged)
-            ++count;
-        if (code == ValueDestroyed)
-            value = nullptr;
-    }
-    values::ValueBase* value;
-    int count = 0;
-};
 
 // On each write of the selection, gives it \a names as its new items: the buttons are rebuilt while
 // the clicked one is still inside its clicked() signal.
@@ -101,10 +83,11 @@ private Q_SLOTS:
         VCButtonGroup group(nullptr, "Band", Qt::Horizontal);
         QVERIFY(!group.isEnabled());
         QCOMPARE(group.title(), QStringLiteral("Band"));
-        Writes writes(band);
+        Counter writes;
+        writes.watch(band);
         QVERIFY(group.SetValueSelection_ValuePath(QStringLiteral("/rx/band")));
         QVERIFY(group.isEnabled());
-        QCOMPARE(writes.count, 0); // binding and its rebuilds write nothing
+        QCOMPARE(writes.count(ValueChanged), 0); // binding and its rebuilds write nothing
         QCOMPARE(texts(group), (QStringList{"HF*", "VHF", "UHF"})); // one set: the first was deleted
         group.show();
         QVERIFY(QTest::qWaitForWindowExposed(&group));
@@ -112,14 +95,14 @@ private Q_SLOTS:
 
         click(group.findChild<EnhancedRadioButton*>(QStringLiteral("UHF")));
         QCOMPARE(band->GetCurrentKey(), 2L);
-        QCOMPARE(writes.count, 1);
+        QCOMPARE(writes.count(ValueChanged), 1);
         QCOMPARE(recorder().Descriptions(QStringLiteral("/rx")).size(), size_t(1));
         QCOMPARE(checked.count(), 1);
         QCOMPARE(checked.at(0).at(0).toInt(), 2);
 
         band->SelectKey(1, nullptr); // from elsewhere: shown, not written back, no signal
         QCOMPARE(texts(group), (QStringList{"HF", "VHF*", "UHF"}));
-        QCOMPARE(writes.count, 2);
+        QCOMPARE(writes.count(ValueChanged), 2);
         QCOMPARE(checked.count(), 1);
         QCOMPARE(group.GetCurrentIndex(), 1);
 
@@ -139,7 +122,8 @@ private Q_SLOTS:
         VCButtonGroup group(nullptr, "Band", Qt::Vertical);
         group.setAddStretch(true);
         QVERIFY(group.SetValueSelection_ValuePath(QStringLiteral("/rx/band")));
-        Writes writes(band);
+        Counter writes;
+        writes.watch(band);
         band->AddItem(QStringLiteral("UHF"), 0.0, 2, nullptr);
         QCOMPARE(texts(group), (QStringList{"HF", "VHF*", "UHF"}));
         band->ClearItems(nullptr);
@@ -147,7 +131,7 @@ private Q_SLOTS:
         QCOMPARE(group.GetCurrentIndex(), -1);
         band->AddItem(QStringLiteral("LF"), 0.0, 0, nullptr);
         QCOMPARE(texts(group), (QStringList{"LF*"}));
-        QCOMPARE(writes.count, 0);
+        QCOMPARE(writes.count(ValueChanged), 0);
         // The stretch of each rebuild stays: the two on binding and the two additions.
         int stretches = 0;
         for (int i = 0; i < group.layout()->count(); ++i)
@@ -214,20 +198,21 @@ private Q_SLOTS:
         tree().Add(QStringLiteral("/rx/bandOn"), on);
         VCButtonGroup group(nullptr, "Band", Qt::Vertical);
         QVERIFY(group.SetValueSelection_ValuePath(QStringLiteral("/rx/band")));
-        Writes writes(on);
+        Counter writes;
+        writes.watch(on);
         QVERIFY(!group.SetCheckable_ValuePath(QStringLiteral("/rx/band")));
         QVERIFY(!group.isCheckable());
         QVERIFY(group.SetCheckable_ValuePath(QStringLiteral("/rx/bandOn")));
         QVERIFY(group.isCheckable());
         QVERIFY(!group.isChecked());
-        QCOMPARE(writes.count, 0); // showing the boolean writes nothing back
+        QCOMPARE(writes.count(ValueChanged), 0); // showing the boolean writes nothing back
         auto* hf = group.findChild<EnhancedRadioButton*>(QStringLiteral("HF"));
         QVERIFY(!hf->isEnabled()); // Qt's own: the contents of an unchecked group
         QVERIFY(group.EnableRadioButton(true, 0));
         on->SetValue(true, nullptr);
         QVERIFY(group.isChecked());
         QVERIFY(!hf->isEnabled()); // the boolean was false when it was asked
-        QCOMPARE(writes.count, 1);
+        QCOMPARE(writes.count(ValueChanged), 1);
 
         group.show();
         QVERIFY(QTest::qWaitForWindowExposed(&group));
@@ -235,7 +220,7 @@ private Q_SLOTS:
         group.setFocus();
         QTest::keyClick(&group, Qt::Key_Space); // the group's check box, as a user toggles it
         QVERIFY(!on->GetValue());
-        QCOMPARE(writes.count, 2);
+        QCOMPARE(writes.count(ValueChanged), 2);
         QCOMPARE(recorder().Count(), 0); // the check box writes with no undo recording
     }
 
