@@ -27,3 +27,7 @@
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
 #include <vandrel/vcmultiplecheck.h>
+#include <vandrel/vcbuttongroup.h>
+#include <vandrel/vconeofbutton.h>
+#include <vandrel/vconeofbuttoncombo.h>
+#include <vandrel/vcbuttoncombo.h>

@@ -119,12 +119,14 @@ QString VCButton::GetCurrentText()
 
 QStringList VCButton::GetItemList()
 {
+    // Through GetValueSelection(), so that a derived button on a selection of its own lists that one.
     QStringList names;
-    if (!m_pValueSelection)
+    values::ValueSelection* selection = GetValueSelection();
+    if (!selection)
         return names;
-    const int count = m_pValueSelection->GetItemCount();
+    const int count = selection->GetItemCount();
     for (int i = 0; i < count; ++i) {
-        if (const values::SelectionItem* item = m_pValueSelection->GetItemAt(i))
+        if (const values::SelectionItem* item = selection->GetItemAt(i))
             names << item->GetName();
     }
     return names;

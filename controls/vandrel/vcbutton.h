@@ -166,6 +166,8 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
+    friend class VCOneOfButton; // asks the same click callback, and lets go of the same state value
+
     struct SpecialPicture
     {
         bool m_bDown;

@@ -125,6 +125,20 @@ QPixmap stepPicture(Glyph glyph)
     });
 }
 
+/// A scale with \a ticks marks: many close ticks read as a fine step, few as a coarse one.
+QPixmap stepSizePicture(int ticks)
+{
+    return picture([ticks](QPainter& p) {
+        p.setPen(QPen(kInk, 1));
+        p.drawLine(QPointF(0.5, 12.5), QPointF(15.5, 12.5));
+        p.setPen(QPen(kSignal, 1.4, Qt::SolidLine, Qt::FlatCap));
+        for (int i = 0; i < ticks; ++i) {
+            const qreal x = 1.5 + 13.0 * i / qMax(1, ticks - 1);
+            p.drawLine(QPointF(x, 12.0), QPointF(x, i % (ticks > 4 ? 4 : 1) == 0 ? 3.0 : 8.0));
+        }
+    });
+}
+
 /// Adds \a delta to the number at \a path as an edit of \a button, so that the undo button takes it back.
 void stepNumber(VCButton* button, const QString& path, double delta)
 {
@@ -319,6 +333,55 @@ QWidget* GalleryWindow::makeButtonPage()
     upper->addWidget(switches, 1);
     upper->addWidget(buttons, 1);
     layout->addLayout(upper);
+
+    // Compounds: buttons that each own one band, a radio group on the same band behind the preselector's
+    // switch, a mode button whose menu chooses which pair of modes it toggles, and a step button with a menu.
+    auto* compounds = new QGroupBox(tr("Compounds"), page);
+    auto* compoundGrid = newControlGrid(compounds);
+
+    QList<QWidget*> bandButtons;
+    for (const char* band : {"LW", "MW", "SW", "VHF"}) {
+        const QString name = QString::fromLatin1(band);
+        auto* button = new VCOneOfButton(name, compounds, static_cast<const char* const*>(nullptr), nullptr,
+                                         QStringLiteral("band%1Button").arg(name));
+        button->setToolButtonStyle(Qt::ToolButtonTextOnly);
+        button->setFixedSize(38, 24);
+        button->setToolTip(tr("Switch to the %1 band").arg(name));
+        bind([button, name] { button->SetSelection_ValuePath(QStringLiteral("/receiver/band"), name, QString()); });
+        bandButtons << button;
+    }
+    addControlRow(compoundGrid, tr("Band"), row({bandButtons.at(0), bandButtons.at(1), bandButtons.at(2), bandButtons.at(3)}, compounds),
+                  readout(QStringLiteral("/receiver/band")));
+
+    auto* bandGroup = new VCButtonGroup(compounds, "bandGroup", Qt::Horizontal);
+    bandGroup->setTitle(tr("Preselector"));
+    bandGroup->setToolTip(tr("The preselector's band; its check box switches the preselector on and off"));
+    bandGroup->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed); // as wide as its buttons
+    bind([bandGroup] {
+        bandGroup->SetValueSelection_ValuePath(QStringLiteral("/receiver/band"));
+        bandGroup->SetCheckable_ValuePath(QStringLiteral("/receiver/preselector"));
+    });
+    addControlRow(compoundGrid, tr("Band group"), bandGroup, readout(QStringLiteral("/receiver/preselector")));
+
+    auto* modePair = new VCOneOfButtonCombo(compounds, "modePairCombo", false);
+    modePair->SetToolTipText(tr("Click to toggle within the pair; the arrow picks the pair"));
+    bind([modePair] {
+        modePair->SetSelection_ValuePath(QStringLiteral("/receiver/mode"), QStringLiteral("AM"), QStringLiteral("FM"),
+                                         modePicture(0), modePicture(1));
+        modePair->AddSelection(QStringLiteral("USB"), QStringLiteral("LSB"), modePicture(2), modePicture(3));
+        modePair->AddSelection(QStringLiteral("CW"), QString(), modePicture(4), modePicture(4));
+    });
+    addControlRow(compoundGrid, tr("Mode pair"), modePair, readout(QStringLiteral("/receiver/mode")));
+
+    auto* step = new VCButtonCombo(compounds, QStringLiteral("step"), false, false);
+    step->SetToolTipText(tr("Tuning step: click for the next, or pick from the arrow's menu"));
+    const int stepTicks[] = {12, 8, 5, 3, 2};
+    for (int key = 0; key < 5; ++key)
+        step->GetButton()->SetSpecialPicture(key, stepSizePicture(stepTicks[key]), false);
+    bind([step] { step->SetValueSelection_ValuePath(QStringLiteral("/receiver/step")); });
+    addControlRow(compoundGrid, tr("Step"), step, readout(QStringLiteral("/receiver/step")));
+    compoundGrid->setRowStretch(compoundGrid->rowCount(), 1);
+    layout->addWidget(compounds);
 
     // Undo: the whole receiver is one branch, so every recorded edit of the gallery is in its list.
     auto* undoBox = new QGroupBox(tr("Undo"), page);

@@ -133,6 +133,10 @@ const std::vector<ValueRecipe>& recipes()
         {"/receiver/transmitter/latitude", [] { return new values::DoubleNumeric(57.1089, -90.0, 90.0); }},
         {"/receiver/transmitter/longitude", [] { return new values::DoubleNumeric(12.3961, -180.0, 180.0); }},
         {"/receiver/volume", [] { return new values::IntNumeric(40, 0, 100, 1); }},
+        // The compounds of the buttons page: the band with its preselector switch, and the tuning step.
+        {"/receiver/band", [] { return makeSelection({"LW", "MW", "SW", "VHF"}); }},
+        {"/receiver/preselector", [] { return new values::BoolValue(true); }},
+        {"/receiver/step", [] { return makeSelection({"10 Hz", "100 Hz", "1 kHz", "10 kHz", "100 kHz"}); }},
     };
     return list;
 }
@@ -210,6 +214,7 @@ QStringList Instrument::paths()
     QStringList list;
     for (const ValueRecipe& recipe : recipes())
         list << QString::fromLatin1(recipe.path);
+    list.sort(); // in the tree's order, whatever the order of the recipes
     return list;
 }
 

@@ -958,6 +958,48 @@ private Q_SLOTS:
         QCOMPARE(pictureOf(agc), slow);
     }
 
+    // The compounds: band buttons and the radio group on one band, the preselector's switch, the mode
+    // pairs and the step button with its menu; each click one undo recording.
+    void compoundsClickAsAUserDoes()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Buttons and undo", true));
+        auto* sw = child<VCOneOfButton>(window, "bandSWButton");
+        auto* group = child<VCButtonGroup>(window, "bandGroup");
+        auto* modePair = child<VCOneOfButtonCombo>(window, "modePairCombo");
+        auto* step = child<VCButtonCombo>(window, "stepFrame");
+        QVERIFY(sw && group && modePair && step);
+        const int before = values::UndoRecorder::Instance().Count();
+
+        QTest::mouseClick(sw, Qt::LeftButton);
+        QCOMPARE(textOf("band"), QStringLiteral("SW"));
+        QVERIFY(sw->isChecked() && child<EnhancedRadioButton>(*group, "SW")->isChecked());
+        auto* vhf = child<EnhancedRadioButton>(*group, "VHF");
+        QTest::mouseClick(vhf, Qt::LeftButton, Qt::NoModifier, QPoint(6, vhf->height() / 2));
+        QCOMPARE(textOf("band"), QStringLiteral("VHF"));
+        QVERIFY(!sw->isChecked() && child<VCOneOfButton>(window, "bandVHFButton")->isChecked());
+        group->setFocus();
+        QTest::keyClick(group, Qt::Key_Space); // the preselector's switch, unrecorded
+        QCOMPARE(textOf("preselector"), QStringLiteral("false"));
+        QVERIFY(!vhf->isEnabled());
+
+        auto* pairButton = modePair->findChild<VCOneOfButton*>();
+        QTest::mouseClick(pairButton, Qt::LeftButton); // AM to FM, its out mode
+        QCOMPARE(textOf("mode"), QStringLiteral("FM"));
+        modePair->GetPopup()->findItem(2)->trigger(); // USB: the second pair
+        QCOMPARE(textOf("mode"), QStringLiteral("USB"));
+        QTest::mouseClick(pairButton, Qt::LeftButton);
+        QCOMPARE(textOf("mode"), QStringLiteral("LSB"));
+
+        QTest::mouseClick(step->GetButton(), Qt::LeftButton);
+        QCOMPARE(textOf("step"), QStringLiteral("100 Hz"));
+        step->GetPopup()->findItem(4)->trigger();
+        QCOMPARE(textOf("step"), QStringLiteral("100 kHz"));
+        QCOMPARE(step->GetCombo()->text(), QStringLiteral("100 kHz"));
+        QCOMPARE(values::UndoRecorder::Instance().Count() - before, 7);
+    }
+
     void stepButtonsRepeatWhileHeld()
     {
         Instrument instrument;

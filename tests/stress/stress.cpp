@@ -1266,6 +1266,197 @@ std::vector<Driver> makeDrivers()
         };
         ds.push_back(d);
     }
+    // --- the button compounds ---
+    // The names a one-of button stands for: items of the selection at bind time, the out one maybe none.
+    const auto oneOfNames = [](Harness& h, Control& c, int s) {
+        values::ValueSelection* sel = h.selection(s);
+        const int n = sel ? sel->GetItemCount() : 0;
+        const auto name = [&](int i) { return n > 0 ? sel->GetItemAt(i % n)->GetName() : QString(); };
+        return qMakePair(name(c.variant), c.variant % 3 ? name(c.variant + 1) : QString());
+    };
+    const auto iconColour = [](const QAbstractButton* b) { return b->icon().pixmap(16, 16).toImage().pixel(8, 8); };
+    const auto filled = [](Qt::GlobalColor colour) {
+        QPixmap pixmap(16, 16);
+        pixmap.fill(colour);
+        return pixmap;
+    };
+    // A pick among the enabled entries of a menu button's popup, as the entry's own trigger makes it.
+    const auto pickEntry = [](Harness& h, VCComboBoxButtonStyle* b) {
+        if (!b || !b->GetPopup() || !b->isEnabled() || !b->GetPopup()->isEnabled())
+            return;
+        QList<QAction*> live;
+        for (QAction* a : b->GetPopup()->actions())
+            if (!a->isSeparator() && a->isEnabled())
+                live << a;
+        if (!live.isEmpty()) {
+            QAction* a = live[h.pick(live.size())];
+            h.did += QStringLiteral(" trigger %1").arg(a->text());
+            a->trigger();
+        }
+    };
+    { // VCButtonGroup: radio buttons that follow a selection's items, the check box on a boolean.
+        Driver d;
+        d.name = "VCButtonGroup";
+        d.roles = 2;
+        d.distinctRoles = true;
+        d.followsItems = true;
+        d.followsState = false; // the selection's state alone enables it: checked in shows
+        d.create = [](Harness& h, Control& c) {
+            auto* g = new VCButtonGroup(&h.panel, "group", c.variant % 2 ? Qt::Horizontal : Qt::Vertical);
+            g->setAddStretch(c.variant % 4 >= 2);
+            return g;
+        };
+        d.accepts = [](int role, Kind k) { return role == 0 ? k == Sel : k == Bool; };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            auto* g = c.as<VCButtonGroup>();
+            return role == 0 ? g->SetValueSelection_ValuePath(h.cells[s].path) : g->SetCheckable_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            auto* g = c.as<VCButtonGroup>();
+            const QList<EnhancedRadioButton*> radios = g->findChildren<EnhancedRadioButton*>(QString(), Qt::FindDirectChildrenOnly);
+            if (g->isCheckable() && h.chance(0.2)) {
+                g->setFocus();
+                h.key(g, Qt::Key_Space); // the group's check box
+            } else if (!radios.isEmpty()) {
+                QWidget* radio = radios[h.pick(radios.size())];
+                h.click(radio, QPoint(6, radio->height() / 2));
+            }
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* g = c.as<VCButtonGroup>();
+            if (c.bound[1] >= 0) {
+                const bool held = static_cast<values::BoolValue*>(h.cells[c.bound[1]].value)->GetValue();
+                if (g->isChecked() != held)
+                    return QStringLiteral("check box %1, boolean %2").arg(g->isChecked()).arg(held);
+            }
+            values::ValueSelection* sel = h.selection(c.bound[0]);
+            if (!sel)
+                return QString();
+            if (g->isEnabled() != (h.cells[c.bound[0]].state == Enabled))
+                return QStringLiteral("enabled %1, state %2").arg(g->isEnabled()).arg(h.cells[c.bound[0]].state);
+            const QList<EnhancedRadioButton*> radios = g->findChildren<EnhancedRadioButton*>(QString(), Qt::FindDirectChildrenOnly);
+            QString e = expectNear("radio buttons", radios.size(), sel->GetItemCount(), 0);
+            // Only keys below the number of buttons are shown (keys are taken to count from 0).
+            const long key = sel->GetCurrentKey();
+            if (e.isEmpty() && key >= 0 && key < sel->GetItemCount()) {
+                QString checked;
+                for (EnhancedRadioButton* r : radios)
+                    if (r->isChecked())
+                        checked = r->text();
+                e = expectEqual("radio group", checked, sel->GetValueString());
+            }
+            return e;
+        };
+        ds.push_back(d);
+    }
+    { // VCOneOfButton: in while the selection holds its string; a click writes it, or its out string.
+        Driver d;
+        d.name = "VCOneOfButton";
+        d.roles = 1;
+        d.create = [](Harness& h, Control&) {
+            return new VCOneOfButton(QStringLiteral("oneof"), &h.panel, static_cast<const char* const*>(nullptr), nullptr);
+        };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [oneOfNames](Harness& h, Control& c, int, int s) {
+            const auto names = oneOfNames(h, c, s);
+            c.object->setProperty("inString", names.first);
+            return c.as<VCOneOfButton>()->SetSelection_ValuePath(h.cells[s].path, names.first, names.second);
+        };
+        d.input = [](Harness& h, Control& c) {
+            if (h.chance(0.7))
+                h.click(c.as<VCOneOfButton>());
+            else
+                h.key(c.as<VCOneOfButton>(), Qt::Key_Space);
+            QCoreApplication::processEvents(); // the key's animated click
+            h.sink->setFocus(); // a click that wrote nothing shows out until the focus leaves
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* b = c.as<VCOneOfButton>();
+            const bool in = h.cells[c.bound[0]].value->GetValueString() == c.object->property("inString").toString();
+            return b->isChecked() == in ? QString() : QStringLiteral("checked %1, in %2").arg(b->isChecked()).arg(in);
+        };
+        ds.push_back(d);
+    }
+    { // VCOneOfButtonCombo: a one-of button whose pair a menu button beside it chooses.
+        Driver d;
+        d.name = "VCOneOfButtonCombo";
+        d.roles = 1;
+        d.followsState = false; // the parts follow the state, the compound never
+        d.create = [](Harness& h, Control& c) { return new VCOneOfButtonCombo(&h.panel, "oneofcombo", c.variant % 2); };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [oneOfNames, filled](Harness& h, Control& c, int, int s) {
+            auto* combo = c.as<VCOneOfButtonCombo>();
+            const auto names = oneOfNames(h, c, s);
+            const bool bound = combo->SetSelection_ValuePath(h.cells[s].path, names.first, names.second, filled(Qt::green),
+                                                             filled(Qt::red));
+            // A second pair, in blue, on another item.
+            c.variant += 2;
+            const auto second = oneOfNames(h, c, s);
+            c.object->setProperty("pairs", QStringList{names.first, second.first});
+            combo->AddSelection(second.first, second.second, filled(Qt::blue), filled(Qt::gray));
+            if (!bound) // the menu button may have taken a multi-selection the others refused
+                combo->findChild<VCComboBoxButtonStyle*>()->SetValueSelection_ValuePath(QString());
+            return bound;
+        };
+        d.input = [pickEntry](Harness& h, Control& c) {
+            auto* combo = c.as<VCOneOfButtonCombo>();
+            if (h.chance(0.5))
+                h.click(combo->findChild<VCOneOfButton*>());
+            else
+                pickEntry(h, combo->findChild<VCComboBoxButtonStyle*>());
+        };
+        d.shows = [iconColour](Harness& h, Control& c) {
+            auto* button = c.as<VCOneOfButtonCombo>()->findChild<VCOneOfButton*>();
+            const QStringList pairs = c.object->property("pairs").toStringList();
+            const QString held = h.cells[c.bound[0]].value->GetValueString();
+            // The first pair whose in string the value holds is the button's, showing its in picture.
+            const int pair = pairs.indexOf(held);
+            // Two pairs on one string: a pick gives the button the last of them, a change the first.
+            if (pair < 0 || held.isEmpty() || pairs.count(held) > 1)
+                return QString();
+            const QRgb want = QColor(pair == 0 ? Qt::green : Qt::blue).rgb();
+            return iconColour(button) == want ? QString() : QStringLiteral("pair %1 not shown for %2").arg(pair).arg(held);
+        };
+        ds.push_back(d);
+    }
+    { // VCButtonCombo: a cycling button and a menu button on one selection.
+        Driver d;
+        d.name = "VCButtonCombo";
+        d.roles = 1;
+        d.followsItems = true;
+        d.followsState = false; // the frame stays enabled; its button follows the state
+        d.create = [](Harness& h, Control& c) {
+            return new VCButtonCombo(&h.panel, QStringLiteral("buttoncombo"), c.variant % 2, false);
+        };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            auto* combo = c.as<VCButtonCombo>();
+            const bool bound = combo->SetValueSelection_ValuePath(h.cells[s].path);
+            if (!bound) // the menu button may have taken a multi-selection the button refused
+                combo->GetCombo()->SetValueSelection_ValuePath(QString());
+            return bound;
+        };
+        d.input = [pickEntry](Harness& h, Control& c) {
+            auto* combo = c.as<VCButtonCombo>();
+            if (h.chance(0.5))
+                h.click(combo->GetButton());
+            else
+                pickEntry(h, combo->GetCombo());
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* combo = c.as<VCButtonCombo>();
+            values::ValueSelection* sel = h.selection(c.bound[0]);
+            if (combo->GetButton()->isEnabled() != (h.cells[c.bound[0]].state == Enabled))
+                return QStringLiteral("button enabled %1, state %2").arg(combo->GetButton()->isEnabled()).arg(h.cells[c.bound[0]].state);
+            if (!sel->GetCurrentItem())
+                return QString();
+            QString e = expectEqual("button", combo->GetButton()->GetCurrentText(), sel->GetValueString());
+            if (e.isEmpty())
+                e = expectEqual("menu button", combo->GetCombo()->text(), sel->GetValueString());
+            return e;
+        };
+        ds.push_back(d);
+    }
     for (Driver& d : ds)
         if (!d.echoesOnBind)
             d.echoesOnBind = [](Harness&, Control&, int) { return NoWrite; };

@@ -170,6 +170,11 @@ QObject* makeButtonCombo(QWidget* host)
     return new VCComboBoxButtonStyle(host, "badinput", true, true);
 }
 
+QObject* makeOneOfCombo(QWidget* host)
+{
+    return new VCOneOfButtonCombo(host, "badinput", true);
+}
+
 QObject* makeLed(QWidget* host)
 {
     return new VCLED(host, "badinput", true);
@@ -252,6 +257,34 @@ const QList<Probe>& probes()
          byPath(&VCMeasurementWidget::SetValueTreePath)},
         {"VCMultipleCheck::SetCheckedStringVector_ValuePath", {kMulti}, make<VCMultipleCheck>,
          byPath(&VCMultipleCheck::SetCheckedStringVector_ValuePath)},
+        {"VCButtonGroup::SetValueSelection_ValuePath", {kSel}, make<VCButtonGroup>,
+         byPath(&VCButtonGroup::SetValueSelection_ValuePath)},
+        {"VCButtonGroup::SetValueSelection", {kSel}, make<VCButtonGroup>, {},
+         byPointer<VCButtonGroup, values::ValueSelection>(
+             [](VCButtonGroup* c, values::ValueSelection* v) { return c->SetValueSelection(v); })},
+        {"VCButtonGroup::SetCheckable_ValuePath", {kBool}, make<VCButtonGroup>,
+         byPath(&VCButtonGroup::SetCheckable_ValuePath)},
+        {"VCOneOfButton::SetSelection_ValuePath", {kSel},
+         [](QWidget* host) -> QObject* {
+             return new VCOneOfButton(QStringLiteral("b"), host, static_cast<const char* const*>(nullptr), nullptr);
+         },
+         [](QObject* c, const QString& p) {
+             return static_cast<VCOneOfButton*>(c)->SetSelection_ValuePath(p, QStringLiteral("AM"), QStringLiteral("FM"));
+         }},
+        // The compound stays enabled: its button tells whether it follows a value.
+        {"VCOneOfButtonCombo::SetSelection_ValuePath", {kSel}, makeOneOfCombo,
+         [](QObject* c, const QString& p) {
+             return static_cast<VCOneOfButtonCombo*>(c)->SetSelection_ValuePath(p, QStringLiteral("AM"), QStringLiteral("FM"),
+                                                                                QPixmap(), QPixmap());
+         },
+         {}, [](QObject* c) -> QWidget* { return c->findChild<VCOneOfButton*>(); }},
+        {"VCOneOfButtonCombo::SetSecondSelection_ValuePath", {kSel, kMulti}, makeOneOfCombo,
+         byPath(&VCOneOfButtonCombo::SetSecondSelection_ValuePath), {},
+         [](QObject* c) -> QWidget* { return c->findChild<VCComboBoxButtonStyle*>(); }},
+        {"VCButtonCombo::SetValueSelection_ValuePath", {kSel},
+         [](QWidget* host) -> QObject* { return new VCButtonCombo(host, QStringLiteral("badinput"), true, false); },
+         byPath(&VCButtonCombo::SetValueSelection_ValuePath), {},
+         [](QObject* c) -> QWidget* { return static_cast<VCButtonCombo*>(c)->GetButton(); }},
     };
     return list;
 }
@@ -432,6 +465,11 @@ private Q_SLOTS:
         rows("VCComboBoxClassic::slotSet2Value", {{"INT_MIN", double(INT_MIN)}, {"-1", -1.0}, {"2", 2.0}, {"INT_MAX", double(INT_MAX)}});
         rows("VCComboBoxClassic::setCurrentItem", {{"texts", 0.0}});
         rows("VCComboBoxButtonStyle null and empty", {{"null", 0.0}});
+        rows("VCButtonGroup keys", ints + Numbers{{"10", 10.0}, {"20", 20.0}});
+        // An empty string names no item: the binding stands and says so (the NaN only asks for the trace).
+        rows("VCOneOfButtonCombo null and empty", {{"null", std::nan("")}}, QString(),
+             QStringLiteral("m_OneOfValueSelection->GetItem(m_Value)"));
+        rows("VCButtonCombo null pictures", ints);
 
     }
 
@@ -671,6 +709,42 @@ private Q_SLOTS:
                  for (QAction* action : combo->GetPopup()->actions())
                      if (action->data().toInt() == -32768 || action->data().toInt() == 10020)
                          action->trigger();
+             }},
+            // Keys that name no button of a selection keyed 10 and 20: nothing is checked, nothing written.
+            {"VCButtonGroup keys",
+             [](QWidget* host, double, int n) {
+                 auto* group = new VCButtonGroup(host, "badinput", Qt::Vertical);
+                 QVERIFY(group->SetValueSelection_ValuePath(kSel));
+                 QVERIFY(group->SetCheckable_ValuePath(kBool));
+                 group->setCurrentItem(n);
+                 QCOMPARE(group->EnableRadioButton(true, n), n == 10 || n == 20);
+                 group->setContentsMargins(n, n, n, n);
+                 QCOMPARE(group->GetCurrentIndex(), 1);
+             }},
+            {"VCOneOfButtonCombo null and empty",
+             [](QWidget* host, double, int) {
+                 auto* combo = new VCOneOfButtonCombo(host, nullptr, true);
+                 QVERIFY(combo->SetSelection_ValuePath(kSel, QString(), QString(), static_cast<const char* const*>(nullptr),
+                                                       nullptr));
+                 QVERIFY(combo->AddSelection(QString(), QString(), static_cast<const char* const*>(nullptr), nullptr));
+                 combo->SetDefaultPicture(static_cast<const char* const*>(nullptr));
+                 combo->AddMenuEntry(QString(), nullptr, nullptr);
+                 combo->setCurrentItem(QString());
+                 combo->SetToolTipText(QString());
+                 combo->NewValueFromCombo(QString());
+                 combo->Select(QStringLiteral("no such item"));
+                 QVERIFY(combo->isValueValid(QString()));
+                 combo->findChild<VCOneOfButton*>()->click(); // an empty string names no item
+             }},
+            {"VCButtonCombo null pictures",
+             [](QWidget* host, double, int n) {
+                 auto* combo = new VCButtonCombo(host, QString(), true, false);
+                 QVERIFY(combo->SetValueSelection_ValuePath(kSel));
+                 combo->SetDefaultPicture(nullptr);
+                 QVERIFY(combo->SetSpecialPicture(n, nullptr, true));
+                 combo->AddAction(nullptr);
+                 combo->setCurrentItem(QString());
+                 combo->setEnabled(false);
              }},
             // A typed magnitude selects the nearest item; an unknown letter must not break that.
             {"VCSpinSelectionBox::setOrderOfMagnitudeVSValues",

@@ -563,6 +563,70 @@ const QList<Case>& cases()
          // A press alone: the flip comes with it, and a release would go to a deleted widget.
          [](QWidget* c) { QTest::mousePress(c, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2)); },
          [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button group, radio button",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCButtonGroup(w, "g", Qt::Horizontal);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             QWidget* radio = c->findChild<EnhancedRadioButton*>(QStringLiteral("item 1"));
+             QTest::mouseClick(radio, Qt::LeftButton, Qt::NoModifier, QPoint(6, radio->height() / 2));
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"button group, check box",
+         [](QWidget* w) {
+             addSelection(QStringLiteral("/s"), 2, 0);
+             auto* b = add(QStringLiteral("/b"), new values::BoolValue(true));
+             auto* c = new VCButtonGroup(w, "g", Qt::Horizontal);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             c->SetCheckable_ValuePath(QStringLiteral("/b"));
+             return qMakePair<QObject*, Observable*>(c, b);
+         },
+         [](QWidget* c) {
+             c->setFocus();
+             QTest::keyClick(c, Qt::Key_Space);
+         },
+         [] { return !valueAt<values::BoolValue>("/b")->GetValue(); }},
+        {"one-of button",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCOneOfButton(QStringLiteral("one"), w, static_cast<const char* const*>(nullptr), nullptr);
+             c->SetSelection_ValuePath(QStringLiteral("/s"), QStringLiteral("item 1"), QString());
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { QTest::mouseClick(c, Qt::LeftButton); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"one-of combo, its button",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCOneOfButtonCombo(w, "oc", false);
+             c->SetSelection_ValuePath(QStringLiteral("/s"), QStringLiteral("item 0"), QStringLiteral("item 2"), QPixmap(),
+                                       QPixmap());
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { QTest::mouseClick(c->findChild<VCOneOfButton*>(), Qt::LeftButton); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 2; }},
+        {"one-of combo, a pick in its menu",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCOneOfButtonCombo(w, "oc", false);
+             c->SetSelection_ValuePath(QStringLiteral("/s"), QStringLiteral("item 0"), QStringLiteral("item 2"), QPixmap(),
+                                       QPixmap());
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { static_cast<VCOneOfButtonCombo*>(c)->GetPopup()->findItem(2)->trigger(); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 2; }},
+        {"button combo, its button",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCButtonCombo(w, QStringLiteral("bc"), false, false);
+             c->SetValueSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { QTest::mouseClick(static_cast<VCButtonCombo*>(c)->GetButton(), Qt::LeftButton); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
     };
     return all;
 }
