@@ -2,6 +2,8 @@
 #include <vandrel/bindform_p.h>
 
 #include <vandrel/vcbutton.h>
+#include <vandrel/vcbuttoncombo.h>
+#include <vandrel/vcbuttongroup.h>
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccombobox.h>
 #include <vandrel/vccoordedit.h>
@@ -13,6 +15,8 @@
 #include <vandrel/vcmeasurementwidget.h>
 #include <vandrel/vcmultiplecheck.h>
 #include <vandrel/vcnumericfloatspin.h>
+#include <vandrel/vconeofbutton.h>
+#include <vandrel/vconeofbuttoncombo.h>
 #include <vandrel/vcscrollbar.h>
 #include <vandrel/vcslider.h>
 #include <vandrel/vcspinselectionbox.h>
@@ -22,6 +26,7 @@
 #include <values/tree.h>
 
 #include <QMetaObject>
+#include <QPixmap>
 #include <QPointer>
 #include <QSet>
 #include <QVariant>
@@ -61,6 +66,19 @@ Binding pathBinding(const char* property, Call call)
             }};
 }
 
+// The in and out strings of a one-of button: the in string must be set, the out string may be empty.
+bool oneOfStrings(QWidget* widget, QString* value, QString* outValue, QString* missing)
+{
+    const QVariant in = widget->property("oneOfValue");
+    if (in.toString().isEmpty()) {
+        *missing = QStringLiteral("oneOfValue");
+        return false;
+    }
+    *value = in.toString();
+    *outValue = widget->property("oneOfOutValue").toString();
+    return true;
+}
+
 const std::vector<ControlBindings>& registry()
 {
     // Most derived classes needn't come first: the lookup walks the widget's own class chain.
@@ -68,6 +86,11 @@ const std::vector<ControlBindings>& registry()
         {&VCButton::staticMetaObject,
          {pathBinding<VCButton>("valuePath", [](VCButton* c, const QString& p) { return c->SetValueSelection_ValuePath(p); }),
           pathBinding<VCButton>("statePath", [](VCButton* c, const QString& p) { return c->SetState_ValuePath(p); })}},
+        {&VCButtonCombo::staticMetaObject,
+         {pathBinding<VCButtonCombo>("valuePath", [](VCButtonCombo* c, const QString& p) { return c->SetValueSelection_ValuePath(p); })}},
+        {&VCButtonGroup::staticMetaObject,
+         {pathBinding<VCButtonGroup>("valuePath", [](VCButtonGroup* c, const QString& p) { return c->SetValueSelection_ValuePath(p); }),
+          pathBinding<VCButtonGroup>("checkablePath", [](VCButtonGroup* c, const QString& p) { return c->SetCheckable_ValuePath(p); })}},
         {&VCCheckBox::staticMetaObject,
          {pathBinding<VCCheckBox>("valuePath", [](VCCheckBox* c, const QString& p) { return c->Set_ValuePath(p); }),
           {"multiSelectionPath", [](QWidget* w, const QString& p, QString* missing) {
@@ -112,6 +135,22 @@ const std::vector<ControlBindings>& registry()
          {pathBinding<VCNumericFloatSpin>("valuePath", [](VCNumericFloatSpin* c, const QString& p) { return c->SetNumeric_ValuePath(p); }),
           pathBinding<VCNumericFloatSpin>("numericFloatPath", [](VCNumericFloatSpin* c, const QString& p) { return c->SetNumericFloat_ValuePath(p); }),
           pathBinding<VCNumericFloatSpin>("numericIntPath", [](VCNumericFloatSpin* c, const QString& p) { return c->SetNumericInt_ValuePath(p); })}},
+        {&VCOneOfButton::staticMetaObject,
+         {{"valuePath", [](QWidget* w, const QString& p, QString* missing) {
+               QString value, outValue;
+               return oneOfStrings(w, &value, &outValue, missing)
+                   && qobject_cast<VCOneOfButton*>(w)->SetSelection_ValuePath(p, value, outValue);
+           }},
+          pathBinding<VCOneOfButton>("statePath", [](VCOneOfButton* c, const QString& p) { return c->SetState_ValuePath(p); })},
+         {"oneOfValue", "oneOfOutValue"}},
+        {&VCOneOfButtonCombo::staticMetaObject,
+         {{"valuePath", [](QWidget* w, const QString& p, QString* missing) {
+               QString value, outValue;
+               return oneOfStrings(w, &value, &outValue, missing)
+                   && qobject_cast<VCOneOfButtonCombo*>(w)->SetSelection_ValuePath(p, value, outValue, QPixmap(), QPixmap());
+           }},
+          pathBinding<VCOneOfButtonCombo>("secondSelectionPath", [](VCOneOfButtonCombo* c, const QString& p) { return c->SetSecondSelection_ValuePath(p); })},
+         {"oneOfValue", "oneOfOutValue"}},
         {&VCScrollBar::staticMetaObject,
          {pathBinding<VCScrollBar>("valuePath", [](VCScrollBar* c, const QString& p) { return c->Set_ValuePath(p); })}},
         {&VCSlider::staticMetaObject,

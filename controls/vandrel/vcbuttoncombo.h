@@ -33,7 +33,9 @@ public:
 
     /// Binds the combo, then the button, to the selection at \a path; true when both hold.
     bool SetValueSelection_ValuePath(const QString& path);
+    /// The button part, which cycles the items.
     VCButton* GetButton();
+    /// The combo part, which drops down the items.
     VCComboBoxButtonStyle* GetCombo();
     /// The combo's menu, or null.
     ResortPopupMenu* GetPopup();
@@ -55,6 +57,7 @@ public Q_SLOTS:
     virtual void setEnabled(bool enable);
 
 protected:
+    /// Reimplemented to paint nothing: the two parts alone show the compound and its state.
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -19,6 +19,7 @@ class VANDREL_EXPORT EnhancedRadioButton : public QRadioButton
     Q_OBJECT
 
 public:
+    /// A radio button showing \a text, a child of \a parent.
     EnhancedRadioButton(const QString& text, QWidget* parent);
 };
 

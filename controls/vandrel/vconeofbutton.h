@@ -53,6 +53,8 @@ public:
 
 protected:
     void Update(Observable* source, TChangeCode code) override;
+    /// Reimplemented to show the value again when the focus leaves, undoing the toggle of a click that
+    /// wrote nothing.
     void focusOutEvent(QFocusEvent* event) override;
 
 protected Q_SLOTS:

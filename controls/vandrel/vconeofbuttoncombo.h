@@ -37,10 +37,10 @@ public:
     /// One pair of strings the button toggles between, with the pictures of its two states.
     struct OneOfSelection
     {
-        QString m_Value;
-        QString m_OutValue;
-        QPixmap m_InPicture;
-        QPixmap m_OutPicture;
+        QString m_Value;      ///< the item string of the in state
+        QString m_OutValue;   ///< the item string a click writes to leave it; may be empty
+        QPixmap m_InPicture;  ///< shown while the value is m_Value
+        QPixmap m_OutPicture; ///< shown while the value is anything else
     };
 
     /**

@@ -24,7 +24,8 @@ const QStringList kControls = {
     QStringLiteral("VCLabel"), QStringLiteral("VCLED"), QStringLiteral("VCLine"), QStringLiteral("VCLineEdit"),
     QStringLiteral("VCMeasurementWidget"), QStringLiteral("VCMultipleCheck"), QStringLiteral("VCNumericFloatSpin"),
     QStringLiteral("VCScrollBar"), QStringLiteral("VCSlider"), QStringLiteral("VCSpinSelectionBox"),
-    QStringLiteral("VCTextEdit"), QStringLiteral("VCUndo"),
+    QStringLiteral("VCTextEdit"), QStringLiteral("VCUndo"), QStringLiteral("VCButtonGroup"), QStringLiteral("VCOneOfButton"),
+    QStringLiteral("VCOneOfButtonCombo"), QStringLiteral("VCButtonCombo"),
 };
 
 struct DomWidget

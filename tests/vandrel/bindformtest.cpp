@@ -2,11 +2,14 @@
 #include <vandrel/vccheckbox.h>
 #include <vandrel/vccombobox.h>
 #include <vandrel/vclabel.h>
+#include <vandrel/vcbuttongroup.h>
+#include <vandrel/vconeofbutton.h>
 #include <vandrel/vcslider.h>
 
 #include <values/values.h>
 
 #include <QLabel>
+#include <QRadioButton>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -93,6 +96,39 @@ private Q_SLOTS:
         slider->setFocus();
         QTest::keyClick(slider, Qt::Key_Right);
         QCOMPARE(gain->GetValue(), 8.0);
+    }
+
+    // A one-of button takes its strings from properties of its own; a radio group its check box's boolean.
+    void argumentsFromProperties()
+    {
+        auto* band = new values::ValueSelection;
+        band->AddItem(QStringLiteral("LW"), 0, 0, nullptr);
+        band->AddItem(QStringLiteral("MW"), 1, 1, nullptr);
+        QVERIFY(tree().Add(QStringLiteral("/rx/band"), band));
+        QVERIFY(tree().Add(QStringLiteral("/rx/pre"), new values::BoolValue(false)));
+
+        QWidget root;
+        new QVBoxLayout(&root);
+        auto* mw = new VCOneOfButton(QString(), &root, static_cast<const char* const*>(nullptr), nullptr, QStringLiteral("mw"));
+        mw->setObjectName(QStringLiteral("mw"));
+        mw->setProperty("valuePath", QStringLiteral("/rx/band"));
+        mw->setProperty("oneOfValue", QStringLiteral("MW"));
+        auto* lonely = new VCOneOfButton(QString(), &root, static_cast<const char* const*>(nullptr), nullptr, QStringLiteral("lonely"));
+        lonely->setObjectName(QStringLiteral("lonely"));
+        lonely->setProperty("valuePath", QStringLiteral("/rx/band"));
+        auto* group = new VCButtonGroup(&root, "bands", Qt::Vertical);
+        group->setProperty("valuePath", QStringLiteral("/rx/band"));
+        group->setProperty("checkablePath", QStringLiteral("/rx/pre"));
+
+        const vandrel::BindFormResult result = vandrel::BindForm(&root);
+        QCOMPARE(result.bound, (QStringList{QStringLiteral("mw.valuePath: /rx/band"), QStringLiteral("bands.valuePath: /rx/band"),
+                                            QStringLiteral("bands.checkablePath: /rx/pre")}));
+        QCOMPARE(result.failed, QStringList{QStringLiteral("lonely.valuePath: /rx/band: oneOfValue missing")});
+        // The radio buttons made while binding carry no properties and are left alone.
+        QCOMPARE(group->findChildren<QRadioButton*>().size(), 2);
+        QVERIFY(group->isCheckable() && !group->isChecked());
+        QTest::mouseClick(mw, Qt::LeftButton);
+        QCOMPARE(band->GetValueString(), QStringLiteral("MW"));
     }
 
     // A null root, a form without properties, and a name that only another control has.
