@@ -117,6 +117,9 @@ struct Control
     // Showing what a value held before it changed without telling it (a rebuild of items), or what a
     // value no longer bound gave it; until the next write of a bound value.
     bool stale = false;
+    // A result's invalid flag changed while its label was disabled, which ignores changes; until the flag
+    // changes again while the label sees it, a write of the number doesn't bring the look up to date.
+    bool flagStale = false;
     qint64 lastUndoClickMs = -1000000;
     bool alive() const { return object; }
     template <class T> T* as() const { return qobject_cast<T*>(object.data()); }
@@ -1036,9 +1039,17 @@ std::vector<Driver> makeDrivers()
         d.bind = [](Harness& h, Control& c, int, int s) { return c.as<VCMeasurementWidget>()->SetValueTreePath(h.branchOf(s)); };
         d.input = [](Harness& h, Control& c) {
             if (c.bound[0] >= 0 && h.chance(0.5)) {
-                values::BoolValue* flag = h.invalidFlagOf(c.bound[0]);
+                const int cell = c.bound[0];
+                values::BoolValue* flag = h.invalidFlagOf(cell);
                 h.did += QStringLiteral(" flag invalid %1").arg(!flag->GetValue());
                 flag->SetValue(!flag->GetValue(), nullptr);
+                // Every block on this result hears the flag, or misses it while its label is disabled.
+                for (Control& other : h.controls) {
+                    if (other.alive() && other.driver == c.driver && other.bound[0] == cell) {
+                        auto* label = other.object->findChild<VCLabel*>(QStringLiteral("RESULT_MEAS_Level"));
+                        other.flagStale = !label || !label->isEnabled();
+                    }
+                }
             } else {
                 h.click(c.as<VCMeasurementWidget>());
             }
@@ -1053,6 +1064,8 @@ std::vector<Driver> makeDrivers()
                 c.stale = true;
                 return QString();
             }
+            if (c.flagStale)
+                return QString();
             if (h.invalidFlagOf(c.bound[0])->GetValue())
                 return expectEqual("result", value->text(), QStringLiteral("- - -"));
             const QString held = h.numeric(c.bound[0]) ? QString::number(h.numeric(c.bound[0])->GetValue(), 'f', 1)
@@ -1517,6 +1530,7 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
         if (expected) {
             c.bound[role] = target;
             c.stale = false;
+            c.flagStale = false;
             if (c.driver->followsState)
                 c.expectEnabled = t.state == Enabled || c.driver->itemsEnable;
         } else if (!c.driver->keepsBindingOnFailure) {
