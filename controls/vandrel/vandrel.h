@@ -26,3 +26,6 @@
 #include <vandrel/vctextedit.h>
 #include <vandrel/vcundo.h>
 #include <vandrel/vcmultiplecheck.h>
+#include <vandrel/vcpopupmenu.h>
+#include <vandrel/vcmenubar.h>
+#include <vandrel/vcselectionpopup.h>
