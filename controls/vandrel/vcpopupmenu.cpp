@@ -23,6 +23,7 @@ struct VCPopupMenu::Generated
     vandrel::MultiSelectionIndex index;
     unsigned long long nextChange = 0;
     int entries = -1; // the menu's entry count right after the rebuild; -1: no generated menu stands
+    int picked = -1;  // the place of the entry being picked, whose mark Qt has just toggled; -1: none
 };
 
 VCPopupMenu::VCPopupMenu(QWidget* parent, const char* name)
@@ -30,6 +31,7 @@ VCPopupMenu::VCPopupMenu(QWidget* parent, const char* name)
     , m_pValue1Selection(nullptr)
     , m_pGenerated(new Generated)
     , m_pHeldWrites(new HeldWrites)
+    , m_pActionWatch(new QObject)
     , m_nPicking(0)
 {
     connect(this, SIGNAL(triggered(QAction*)), this, SLOT(slotCClicked(QAction*)));
@@ -37,6 +39,8 @@ VCPopupMenu::VCPopupMenu(QWidget* parent, const char* name)
 
 VCPopupMenu::~VCPopupMenu()
 {
+    // The entries go with the widget, after the tuples: they must not look for them then.
+    m_pActionWatch.reset();
     for (auto& entry : m_tuples)
         DetachValue(entry.second.m_sel, this);
     DetachValue(m_pValue1Selection, this);
@@ -61,7 +65,8 @@ int VCPopupMenu::InsertItem(const QString& text, int id, const QKeySequence& key
     if (!key.isEmpty())
         action->setShortcut(key);
     // An entry deleted by the application leaves its tuple without an action, not with a dangling one.
-    connect(action, &QObject::destroyed, this, [this](QObject* gone) {
+    // Watched through an object of its own: the menu drops its connections to an entry that leaves it.
+    connect(action, &QObject::destroyed, m_pActionWatch.get(), [this](QObject* gone) {
         for (auto& entry : m_tuples)
             if (entry.second.m_action == gone)
                 entry.second.m_action = nullptr;
@@ -173,6 +178,12 @@ void VCPopupMenu::ApplyCheckMarks()
             }
             action->setChecked(m_pValue1Selection->IsItemChecked(int(key)));
         }
+        // Qt toggled the picked entry's mark itself; a rebuild would show the item's.
+        const int picked = generated.picked;
+        if (onlyMarks && picked >= 0 && size_t(picked) < generated.index.keys.size()) {
+            if (QAction* action = findItem(picked))
+                action->setChecked(m_pValue1Selection->IsItemChecked(int(generated.index.keys[size_t(picked)])));
+        }
     }
     if (!onlyMarks)
         AddMStrings2Menu();
@@ -252,8 +263,12 @@ void VCPopupMenu::Pick(int id, bool checked)
     const auto found = m_tuples.find(id);
     if (found == m_tuples.end()) {
         // A generated entry: its id goes on as the key.
-        if (m_pValue1Selection)
+        if (m_pValue1Selection) {
+            m_pGenerated->picked = id;
             m_pValue1Selection->SetItemChecked(id, true, nullptr);
+            if (alive)
+                m_pGenerated->picked = -1;
+        }
     } else if (values::ValueSelection* value = found->second.m_sel) {
         // With no originator: the mark comes back through Update from what the value took.
         value->SetValueString(checked ? found->second.m_inVal : found->second.m_outVal, nullptr);

@@ -103,5 +103,6 @@ private:
     std::set<Observable*> m_attached;         // every value attached to, so that none outlives the menu attached
     std::unique_ptr<Generated> m_pGenerated;   // keys and journal position of the generated entries
     std::unique_ptr<HeldWrites> m_pHeldWrites; // picks wait for the menu's own event handling
+    std::unique_ptr<QObject> m_pActionWatch;   // hears of switch entries deleted by the application
     int m_nPicking;                            // inside a pick's write
 };
