@@ -176,9 +176,9 @@ void VCSelectionPopup::SlotSecondSelectionItemActivated(int id)
 
 void VCSelectionPopup::SlotAdditionItemActivated(int id)
 {
-    if (m_nAdditionalOffset < 0)
+    if (m_nAdditionalOffset < 0 || id < m_nAdditionalOffset)
         return;
-    const int k = id - m_nAdditionalOffset;
+    const int k = id - m_nAdditionalOffset; // no overflow: the id stands at or above the offset
     const QList<QAction*> commands = m_additionalItems.actions();
     if (k < 0 || k >= commands.size())
         return;
