@@ -23,7 +23,7 @@ struct VCPopupMenu::Generated
     vandrel::MultiSelectionIndex index;
     unsigned long long nextChange = 0;
     int entries = -1; // the menu's entry count right after the rebuild; -1: no generated menu stands
-    int picked = -1;  // the place of the entry being picked, whose mark Qt has just toggled; -1: none
+    std::set<int> toggled; // places of picked entries whose marks Qt toggled and no rebuild has reset since
 };
 
 VCPopupMenu::VCPopupMenu(QWidget* parent, const char* name)
@@ -136,6 +136,7 @@ int VCPopupMenu::AddMStrings2Menu()
     Generated& generated = *m_pGenerated;
     generated.index.Reset();
     generated.entries = -1;
+    generated.toggled.clear();
     if (!m_pValue1Selection)
         return 0;
     generated.index.Begin(m_pValue1Selection);
@@ -178,12 +179,14 @@ void VCPopupMenu::ApplyCheckMarks()
             }
             action->setChecked(m_pValue1Selection->IsItemChecked(int(key)));
         }
-        // Qt toggled the picked entry's mark itself; a rebuild would show the item's.
-        const int picked = generated.picked;
-        if (onlyMarks && picked >= 0 && size_t(picked) < generated.index.keys.size()) {
-            if (QAction* action = findItem(picked))
-                action->setChecked(m_pValue1Selection->IsItemChecked(int(generated.index.keys[size_t(picked)])));
+        // Qt toggled the marks of picked entries itself; a rebuild would show the items' marks.
+        for (int place : generated.toggled) {
+            QAction* action = findItem(place);
+            if (onlyMarks && action && size_t(place) < generated.index.keys.size())
+                action->setChecked(m_pValue1Selection->IsItemChecked(int(generated.index.keys[size_t(place)])));
         }
+        if (onlyMarks)
+            generated.toggled.clear();
     }
     if (!onlyMarks)
         AddMStrings2Menu();
@@ -264,10 +267,9 @@ void VCPopupMenu::Pick(int id, bool checked)
     if (found == m_tuples.end()) {
         // A generated entry: its id goes on as the key.
         if (m_pValue1Selection) {
-            m_pGenerated->picked = id;
+            if (id >= 0)
+                m_pGenerated->toggled.insert(id);
             m_pValue1Selection->SetItemChecked(id, true, nullptr);
-            if (alive)
-                m_pGenerated->picked = -1;
         }
     } else if (values::ValueSelection* value = found->second.m_sel) {
         // With no originator: the mark comes back through Update from what the value took.
