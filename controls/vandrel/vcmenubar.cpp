@@ -24,8 +24,9 @@ VCMenuBar::VCMenuBar(QWidget* parent, const char* name)
 
 VCMenuBar::~VCMenuBar()
 {
-    for (auto& entry : m_tuples)
-        DetachValue(entry.second.sel, this);
+    m_pHeldWrites.reset();
+    for (Tuple& tuple : m_tuples)
+        DetachValue(tuple.sel, this);
     // Also the values of rebound entries, which the bar stays attached to.
     for (Observable* value : m_attached)
         value->Detach(this);
@@ -94,21 +95,21 @@ void VCMenuBar::Update(Observable* source, TChangeCode code)
     if (code == ValueDestroyed) {
         // Forgotten without Detach, by every entry that holds it.
         m_attached.erase(source);
-        for (auto& entry : m_tuples)
-            ForgetDestroyedValue(entry.second.sel, source);
+        for (Tuple& tuple : m_tuples)
+            ForgetDestroyedValue(tuple.sel, source);
         return;
     }
     if (code == StateChanged) {
-        for (auto& entry : m_tuples) {
-            if (entry.second.sel && source == ObservableOf(entry.second.sel)) {
+        for (Tuple& tuple : m_tuples) {
+            if (tuple.sel && source == ObservableOf(tuple.sel)) {
                 // The first entry of the value decides for the whole bar.
-                ApplyValueState(entry.second.sel, this);
-                if (!entry.second.sel) {
+                ApplyValueState(tuple.sel, this);
+                if (!tuple.sel) {
                     // Removed: detached, so no other entry of the value may keep it either.
                     m_attached.erase(source);
-                    for (auto& other : m_tuples)
-                        if (source == ObservableOf(other.second.sel))
-                            other.second.sel = nullptr;
+                    for (Tuple& other : m_tuples)
+                        if (source == ObservableOf(other.sel))
+                            other.sel = nullptr;
                 }
                 return;
             }
@@ -116,11 +117,11 @@ void VCMenuBar::Update(Observable* source, TChangeCode code)
         return;
     }
     if (code == ValueChanged) {
-        for (auto& entry : m_tuples) {
-            const Tuple& tuple = entry.second;
+        for (auto it = m_tuples.cbegin(); it != m_tuples.cend(); ++it) {
+            const Tuple& tuple = it.value();
             if (!tuple.sel || source != ObservableOf(tuple.sel))
                 continue;
-            if (QAction* action = ActionAt(entry.first))
+            if (QAction* action = ActionAt(it.key()))
                 action->setChecked(tuple.sel->GetValueString() == tuple.inVal);
         }
     }
@@ -128,6 +129,9 @@ void VCMenuBar::Update(Observable* source, TChangeCode code)
 
 bool VCMenuBar::event(QEvent* event)
 {
+    // Null once this class's part is gone: the base class's destructor may still send events.
+    if (!m_pHeldWrites)
+        return QMenuBar::event(event);
     return m_pHeldWrites->Deliver(this, [this, event] { return QMenuBar::event(event); });
 }
 
@@ -148,9 +152,10 @@ void VCMenuBar::slotCClicked(QAction* action)
 void VCMenuBar::Pick(int id, bool checked)
 {
     const auto found = m_tuples.find(id);
-    if (found == m_tuples.end() || !found->second.sel)
+    if (found == m_tuples.end() || !found.value().sel)
         return;
     // One key holds one entry, so there is one write; nothing of the bar is touched after it.
-    const Tuple& tuple = found->second;
-    tuple.sel->SetValueString(checked ? tuple.inVal : tuple.outVal, nullptr);
+    const Tuple& tuple = found.value();
+    const QString name = checked ? tuple.inVal : tuple.outVal;
+    tuple.sel->SetValueString(name, nullptr);
 }

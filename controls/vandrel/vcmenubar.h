@@ -5,9 +5,9 @@
 #include <values/values.h>
 
 #include <QMenuBar>
+#include <QMap>
 #include <QString>
 
-#include <map>
 #include <memory>
 #include <set>
 
@@ -79,7 +79,7 @@ protected Q_SLOTS:
     void slotCClicked(QAction* action);
 
 protected:
-    std::map<int, Tuple> m_tuples;
+    QMap<int, Tuple> m_tuples;
 
 private:
     QAction* ActionAt(int place) const;

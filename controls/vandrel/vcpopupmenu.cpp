@@ -39,10 +39,15 @@ VCPopupMenu::VCPopupMenu(QWidget* parent, const char* name)
 
 VCPopupMenu::~VCPopupMenu()
 {
+    // An open menu closes while all of it lives: Qt's closing of a popup sends it events, which this
+    // class handles, and the base class's destructor would close it after this class's parts are gone.
+    if (isVisible())
+        hide();
+    m_pHeldWrites.reset();
     // The entries go with the widget, after the tuples: they must not look for them then.
     m_pActionWatch.reset();
-    for (auto& entry : m_tuples)
-        DetachValue(entry.second.m_sel, this);
+    for (Tuple& tuple : m_tuples)
+        DetachValue(tuple.m_sel, this);
     DetachValue(m_pValue1Selection, this);
     // Also the values the menu stays attached to without a tuple (a rebound or wiped entry): they
     // would otherwise call a deleted menu.
@@ -67,9 +72,9 @@ int VCPopupMenu::InsertItem(const QString& text, int id, const QKeySequence& key
     // An entry deleted by the application leaves its tuple without an action, not with a dangling one.
     // Watched through an object of its own: the menu drops its connections to an entry that leaves it.
     connect(action, &QObject::destroyed, m_pActionWatch.get(), [this](QObject* gone) {
-        for (auto& entry : m_tuples)
-            if (entry.second.m_action == gone)
-                entry.second.m_action = nullptr;
+        for (Tuple& tuple : m_tuples)
+            if (tuple.m_action == gone)
+                tuple.m_action = nullptr;
     });
     Tuple& tuple = m_tuples[id];
     tuple = Tuple();
@@ -102,7 +107,7 @@ bool VCPopupMenu::SetSelection_ValuePath(int id, QString path, QString inVal, QS
         const auto found = m_tuples.find(id);
         if (found == m_tuples.end())
             return true;
-        Tuple& tuple = found->second;
+        Tuple& tuple = found.value();
         tuple.m_sel = value;
         if (ErrorHandler::Instance().GetReportingMask() & ErrorHandler::Assertions) {
             if (!tuple.m_sel->GetItem(tuple.m_inVal))
@@ -197,8 +202,8 @@ void VCPopupMenu::Update(Observable* source, TChangeCode code)
     if (code == ValueDestroyed) {
         // Forgotten without Detach, by every tuple that holds it.
         m_attached.erase(source);
-        for (auto& entry : m_tuples)
-            ForgetDestroyedValue(entry.second.m_sel, source);
+        for (Tuple& tuple : m_tuples)
+            ForgetDestroyedValue(tuple.m_sel, source);
         if (ForgetDestroyedValue(m_pValue1Selection, source))
             m_pGenerated->index.Reset();
         return;
@@ -222,10 +227,10 @@ void VCPopupMenu::Update(Observable* source, TChangeCode code)
     if (code == StateChanged) {
         // On the whole menu, for every tuple of the value; Removed detaches and clears each of them.
         bool matched = false;
-        for (auto& entry : m_tuples) {
-            if (entry.second.m_sel && source == ObservableOf(entry.second.m_sel)) {
+        for (Tuple& tuple : m_tuples) {
+            if (tuple.m_sel && source == ObservableOf(tuple.m_sel)) {
                 matched = true;
-                ApplyValueState(entry.second.m_sel, this);
+                ApplyValueState(tuple.m_sel, this);
             }
         }
         if (matched && !m_attached.empty()) {
@@ -236,8 +241,7 @@ void VCPopupMenu::Update(Observable* source, TChangeCode code)
         return;
     }
     if (code == ValueChanged) {
-        for (auto& entry : m_tuples) {
-            Tuple& tuple = entry.second;
+        for (Tuple& tuple : m_tuples) {
             if (tuple.m_sel && source == ObservableOf(tuple.m_sel) && tuple.m_action)
                 tuple.m_action->setChecked(tuple.m_sel->GetValueString() == tuple.m_inVal);
         }
@@ -246,6 +250,9 @@ void VCPopupMenu::Update(Observable* source, TChangeCode code)
 
 bool VCPopupMenu::event(QEvent* event)
 {
+    // Null once this class's part is gone: the base class's destructor may still send events.
+    if (!m_pHeldWrites)
+        return ResortPopupMenu::event(event);
     return m_pHeldWrites->Deliver(this, [this, event] { return ResortPopupMenu::event(event); });
 }
 
@@ -271,9 +278,11 @@ void VCPopupMenu::Pick(int id, bool checked)
                 m_pGenerated->toggled.insert(id);
             m_pValue1Selection->SetItemChecked(id, true, nullptr);
         }
-    } else if (values::ValueSelection* value = found->second.m_sel) {
-        // With no originator: the mark comes back through Update from what the value took.
-        value->SetValueString(checked ? found->second.m_inVal : found->second.m_outVal, nullptr);
+    } else if (values::ValueSelection* value = found.value().m_sel) {
+        // With no originator: the mark comes back through Update from what the value took. A copy of
+        // the name: an observer of the write may regenerate the menu and wipe the tuple.
+        const QString name = checked ? found.value().m_inVal : found.value().m_outVal;
+        value->SetValueString(name, nullptr);
     }
     if (alive)
         --m_nPicking;

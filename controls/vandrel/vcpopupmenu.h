@@ -6,9 +6,9 @@
 #include <values/values.h>
 
 #include <QKeySequence>
+#include <QMap>
 #include <QString>
 
-#include <map>
 #include <memory>
 #include <set>
 
@@ -90,7 +90,7 @@ protected Q_SLOTS:
     void slotCClicked(QAction* action);
 
 protected:
-    std::map<int, Tuple> m_tuples;
+    QMap<int, Tuple> m_tuples;
     StringMultiSelection* m_pValue1Selection;
 
 private:

@@ -23,6 +23,11 @@ VCSelectionPopup::VCSelectionPopup(QWidget* parent, const char* name)
 
 VCSelectionPopup::~VCSelectionPopup()
 {
+    // An open menu closes while all of it lives: Qt's closing of a popup sends it events, which this
+    // class handles, and the base class's destructor would close it after this class's parts are gone.
+    if (isVisible())
+        hide();
+    m_pHeldWrites.reset();
     DetachValue(m_pFirstSelection, this);
     DetachValue(m_pSecondSelection, this);
 }
@@ -225,5 +230,8 @@ void VCSelectionPopup::Update(Observable* source, TChangeCode code)
 
 bool VCSelectionPopup::event(QEvent* event)
 {
+    // Null once this class's part is gone: the base class's destructor may still send events.
+    if (!m_pHeldWrites)
+        return ResortPopupMenu::event(event);
     return m_pHeldWrites->Deliver(this, [this, event] { return ResortPopupMenu::event(event); });
 }

@@ -198,7 +198,7 @@ private Q_SLOTS:
         QCOMPARE(entry(menu, "Hold")->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_H));
         QVERIFY(entry(menu, "RMS")->shortcut().isEmpty());
         QVERIFY(entry(menu, "Hold")->isCheckable());
-        QCOMPARE(menu.m_tuples.size(), size_t(3));
+        QCOMPARE(menu.m_tuples.size(), 3);
         QCOMPARE(menu.m_tuples[4].m_outVal, QStringLiteral("None"));
 
         // Keys in the open menu: the write comes back as the mark; no undo recording.
