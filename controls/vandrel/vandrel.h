@@ -31,3 +31,6 @@
 #include <vandrel/vconeofbutton.h>
 #include <vandrel/vconeofbuttoncombo.h>
 #include <vandrel/vcbuttoncombo.h>
+#include <vandrel/vcpopupmenu.h>
+#include <vandrel/vcmenubar.h>
+#include <vandrel/vcselectionpopup.h>

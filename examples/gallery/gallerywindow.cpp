@@ -103,6 +103,7 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     setCentralWidget(splitter);
 
     makeActions();
+    makeMenuBar();
     makeStatusBar();
 
     connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);

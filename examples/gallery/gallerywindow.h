@@ -40,6 +40,8 @@ public Q_SLOTS:
     void restoreInstrument();
     /// The filter of the present mode and the slow AGC, as one edit of the menu button that asks.
     void resetReception();
+    /// The level readout in dBm over the full range, as one edit of the context menu that asks.
+    void resetView();
 
 private:
     QWidget* makeDisplay();
@@ -54,6 +56,10 @@ private:
 #endif
     QWidget* makeValueTreePane();
     void makeActions();
+    /// The menu bar of switches on the view values.
+    void makeMenuBar();
+    /// The selection page's group of menus: the markers' popup and the level readout's context menu.
+    QWidget* makeMenuGroup(QWidget* page);
     void makeStatusBar();
 
     /// Runs \a binding now and again after every restore, so that the control finds re-created values.

@@ -132,6 +132,21 @@ const std::vector<ValueRecipe>& recipes()
         {"/receiver/squelch", [] { return new values::IntNumeric(-95, -130, -30, 1); }},
         {"/receiver/transmitter/latitude", [] { return new values::DoubleNumeric(57.1089, -90.0, 90.0); }},
         {"/receiver/transmitter/longitude", [] { return new values::DoubleNumeric(12.3961, -180.0, 180.0); }},
+        // How the level is viewed: switches of the menu bar (in/out names "On" and "Off"), the markers
+        // of the display (keys counting from 0, as a generated menu addresses them), and the unit and
+        // range of the level readout's context menu.
+        {"/receiver/view/averaging", [] { return makeSelection({"Off", "On"}); }},
+        {"/receiver/view/hold", [] { return makeSelection({"Off", "On"}); }},
+        {"/receiver/view/markers",
+         [] {
+             auto* markers = new values::StringMultiSelection(0);
+             const char* const names[] = {"Carrier", "Overload", "Scan stops", "Squelch"};
+             for (unsigned key = 0; key < 4; ++key)
+                 markers->AddItem(key, QString::fromLatin1(names[key]), key == 0);
+             return markers;
+         }},
+        {"/receiver/view/range", [] { return makeSelection({"Full", "Weak signals", "Strong signals"}); }},
+        {"/receiver/view/unit", [] { return makeSelection({"dBm", "dBuV"}); }},
         {"/receiver/volume", [] { return new values::IntNumeric(40, 0, 100, 1); }},
         // The compounds of the buttons page: the band with its preselector switch, and the tuning step.
         {"/receiver/band", [] { return makeSelection({"LW", "MW", "SW", "VHF"}); }},

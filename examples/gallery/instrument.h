@@ -37,7 +37,9 @@ class ValueBase;
  *   alarms/status (int lamp colour: 0 idle, 1 overload, 2 scanning, 3 carrier), alarms/record (bool, the
  *   user's), acquisition/start and acquisition/length (microsecond stamps, whole seconds), and the results
  *   level, bandwidth, fieldstrength and offset, each a branch of NAME, VALUE, UNIT and INVALID (the last
- *   two need a carrier; the level's flag is the user's).
+ *   two need a carrier; the level's flag is the user's), and the user's view of it: view/hold and
+ *   view/averaging (selections Off On), view/markers (multi-selection of strings, keys 0 to 3), view/unit
+ *   (selection dBm dBuV) and view/range (selection Full, Weak signals, Strong signals).
  */
 class Instrument : public QObject
 {

@@ -22,7 +22,9 @@ QWidget* GalleryWindow::makeSelectionPage()
         tr("Pick a mode and the receiver switches its filter. A filter picked in the second list waits for "
            "\"Apply\". The tool buttons open menus: the first holds the filter and the AGC, with \"Reset\" "
            "at the end, the second the options with their check marks; the third flips the AGC at each "
-           "press. The channel list is the band monitor's: it marks the channels it hears as it passes."));
+           "press. The channel list is the band monitor's: it marks the channels it hears as it passes. The "
+           "menu bar's Hold and Averaging switch the view, \"Markers...\" opens a menu made from the display's "
+           "markers, and a right-click on the level picks its unit and range."));
     QWidget* page = layout->parentWidget();
     auto* columns = new QHBoxLayout;
     layout->addLayout(columns, 1);
@@ -80,6 +82,7 @@ QWidget* GalleryWindow::makeSelectionPage()
     addControlRow(buttonGrid, tr("Options"), options, readout(QStringLiteral("/receiver/options")));
     addControlRow(buttonGrid, tr("AGC (press flips)"), agcToggle, readout(QStringLiteral("/receiver/agc")));
     left->addWidget(buttons);
+    left->addWidget(makeMenuGroup(page));
     left->addStretch(1);
 
     auto* monitor = new QGroupBox(tr("Band monitor"), page);

@@ -429,6 +429,79 @@ private Q_SLOTS:
         QCOMPARE(set->IsItemChecked(0), !was);
     }
 
+    // The menu bar's switches, the markers' menu and the level's context menu, as a user works them.
+    void menusSwitchMarkAndPick()
+    {
+        Instrument instrument;
+        instrument.setSeed(3);
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Selections", true));
+        auto* bar = qobject_cast<VCMenuBar*>(window.menuBar());
+        auto* markersButton = child<QPushButton>(window, "markersButton");
+        auto* markers = child<VCPopupMenu>(window, "markers");
+        auto* level = child<ValueReadout>(window, "levelReadout");
+        auto* view = child<VCSelectionPopup>(window, "levelView");
+        QVERIFY(bar && markersButton && markers && level && view);
+
+        // A click on a switch of the bar writes the other state; its mark follows the value.
+        QCOMPARE(bar->actions().size(), 2);
+        QAction* hold = bar->actions().at(0);
+        QVERIFY(hold->isCheckable() && !hold->isChecked());
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->actionGeometry(hold).center());
+        QCOMPARE(textOf("view/hold"), QStringLiteral("On"));
+        QVERIFY(hold->isChecked());
+        QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->actionGeometry(bar->actions().at(1)).center());
+        QCOMPARE(textsOf({"view/hold", "view/averaging"}), QStringList({"On", "On"}));
+        setText("view/hold", "Off");
+        QVERIFY(!hold->isChecked());
+
+        // The markers' menu opens under its button; a pick by keys checks that marker.
+        QTest::mouseClick(markersButton, Qt::LeftButton);
+        QTRY_VERIFY(markers->isVisible());
+        QCOMPARE(markers->actions().size(), 4);
+        QVERIFY(markers->actions().at(0)->isChecked());
+        QTest::keyClick(markers, Qt::Key_Down);
+        QTest::keyClick(markers, Qt::Key_Down);
+        QTest::keyClick(markers, Qt::Key_Down);
+        QTest::keyClick(markers, Qt::Key_Return);
+        QCOMPARE(textOf("view/markers"), QStringLiteral("Carrier, Scan stops"));
+        QVERIFY(markers->actions().at(2)->isChecked());
+        auto* set = dynamic_cast<values::StringMultiSelection*>(find(rx("view/markers")));
+        set->SetItemChecked(0, false, nullptr);
+        QVERIFY(!markers->actions().at(0)->isChecked());
+
+        // A right-click on the level opens its context menu: the unit, the range, then the command.
+        const auto rightClick = [level] {
+            QContextMenuEvent event(QContextMenuEvent::Mouse, level->rect().center(), level->mapToGlobal(level->rect().center()));
+            QApplication::sendEvent(level, &event);
+        };
+        rightClick();
+        QTRY_VERIFY(view->isVisible());
+        QStringList entries;
+        for (QAction* action : view->actions())
+            entries << (action->isSeparator() ? QStringLiteral("-") : action->text() + (action->isChecked() ? "*" : ""));
+        QCOMPARE(entries, QStringList({"dBm*", "dBuV", "-", "Full*", "Weak signals", "Strong signals", "-", "Reset view"}));
+        QTest::keyClick(view, Qt::Key_Down);
+        QTest::keyClick(view, Qt::Key_Down);
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(textOf("view/unit"), QStringLiteral("dBuV"));
+        QVERIFY(view->actions().at(1)->isChecked() && !view->actions().at(0)->isChecked());
+        QTRY_VERIFY(level->text().contains(QStringLiteral("dB\u00b5V")));
+        rightClick();
+        QTRY_VERIFY(view->isVisible());
+        for (int i = 0; i < 4; ++i) // over the separator: dBm, dBuV, Full, Weak signals
+            QTest::keyClick(view, Qt::Key_Down);
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(textOf("view/range"), QStringLiteral("Weak signals"));
+        QTRY_VERIFY(level->text().contains(QStringLiteral("(Weak signals)")));
+        // The command resets both, as one undoable edit.
+        const int before = values::UndoRecorder::Instance().Count();
+        view->actions().at(7)->trigger();
+        QCOMPARE(textsOf({"view/unit", "view/range"}), QStringList({"dBm", "Full"}));
+        QCOMPARE(values::UndoRecorder::Instance().Count(), before + 1);
+        QVERIFY(view->actions().at(0)->isChecked() && view->actions().at(3)->isChecked());
+    }
+
     void writeShowsInItsRowOnly_data()
     {
         QTest::addColumn<QString>("path");

@@ -44,6 +44,28 @@ constexpr int kMaxControls = 14;
 
 struct Harness;
 bool unexpected(int cell);
+
+// Menus whose values the walk can see.
+struct HeldMenu : VCPopupMenu
+{
+    using VCPopupMenu::VCPopupMenu;
+    using VCPopupMenu::m_pValue1Selection;
+    using VCPopupMenu::m_tuples;
+};
+struct HeldBar : VCMenuBar
+{
+    explicit HeldBar(QWidget* parent) : VCMenuBar(parent, "menubar") {}
+    using VCMenuBar::m_tuples;
+};
+
+// A selection popup whose selections the walk can see: it follows no state, so it may hold a value
+// that the walk let go of.
+struct HeldSelections : VCSelectionPopup
+{
+    explicit HeldSelections(QWidget* parent) : VCSelectionPopup(parent, "selectionpopup") {}
+    using VCSelectionPopup::m_pFirstSelection;
+    using VCSelectionPopup::m_pSecondSelection;
+};
 const bool trapUnexpected = qEnvironmentVariableIsSet("VANDREL_STRESS_TRAP");
 
 // Counts the writes a value announces; the harness compares them with what the step intended. A
@@ -283,7 +305,8 @@ struct Harness
         ref.object = d.create(*this, ref);
         if (auto* w = qobject_cast<QWidget*>(ref.object.data())) {
             w->move(50 + pick(700), 30 + pick(600));
-            w->show();
+            if (!qobject_cast<QMenu*>(w)) // a menu shows when its input opens it
+                w->show();
         }
         return int(controls.size()) - 1;
     }
@@ -1467,6 +1490,218 @@ std::vector<Driver> makeDrivers()
             if (e.isEmpty())
                 e = expectEqual("menu button", combo->GetCombo()->text(), sel->GetValueString());
             return e;
+        };
+        ds.push_back(d);
+    }
+    // --- menus: a pick in the open menu, by keys; the menu is sometimes left open for the next steps,
+    // so that values change, go and are rebuilt under it ---
+    struct MenuInput
+    {
+        // Opens \a menu (closing it first if it stood open), picks \a downs entries down, or leaves it open.
+        static void pick(Harness& h, QMenu* menu, int downs)
+        {
+            QPointer<QMenu> m(menu);
+            if (m->isVisible())
+                m->close();
+            h.did += QStringLiteral(" popup");
+            m->popup(h.panel.mapToGlobal(QPoint(40 + h.pick(400), 40 + h.pick(300))));
+            if (h.chance(0.2)) {
+                h.did += QStringLiteral(" left open");
+                return;
+            }
+            for (int n = downs; n > 0 && m; --n)
+                h.key(m, Qt::Key_Down);
+            if (m)
+                h.key(m, Qt::Key_Return);
+            if (m && m->isVisible())
+                m->close(); // a disabled menu takes no keys
+        }
+        // Qt toggles a checkable entry itself; only a write that comes back corrects it, so a pick that
+        // wrote nothing (a name the selection lacks, a key no item has) leaves the menu stale.
+        static void staleUnlessWritten(Harness& h, Control& c, const int before[2])
+        {
+            for (int role = 0; role < 2; ++role)
+                if (c.alive() && c.bound[role] >= 0 && h.cells[c.bound[role]].recorder->writes == before[role])
+                    c.stale = true;
+        }
+        // The menus' bindings read no state, and the context menu follows none: a menu may hold a value
+        // bound while it stood Removed, or one Removed since, which the walk counts let go. It writes them.
+        static void allowHeld(Harness& h, std::initializer_list<const void*> held)
+        {
+            for (int i = 0; i < kCells; ++i)
+                for (const void* value : held)
+                    if (value && h.cells[i].value && value == h.cells[i].value)
+                        h.writable.insert(i);
+        }
+        static void writesOf(Harness& h, const Control& c, int out[2])
+        {
+            for (int role = 0; role < 2; ++role)
+                out[role] = c.bound[role] >= 0 ? h.cells[c.bound[role]].recorder->writes : 0;
+        }
+    };
+    { // VCPopupMenu with one switch entry on a selection.
+        Driver d;
+        d.name = "VCPopupMenu switch";
+        d.roles = 1;
+        d.followsState = false; // a binding takes no state; only a change of it reaches the menu
+        d.keepsBindingOnFailure = true;
+        d.create = [](Harness& h, Control& c) {
+            auto* m = new HeldMenu(&h.panel, "popupmenu");
+            static const char* const outs[] = {"item0", "item2", ""};
+            const int mask = ErrorHandler::Instance().GetReportingMask();
+            ErrorHandler::Instance().SetReportingMask(0); // the entry comes unbound: no trace of that
+            m->InsertItem(QStringLiteral("switch"), 3, QString(), QStringLiteral("item1"), QLatin1String(outs[c.variant % 3]));
+            ErrorHandler::Instance().SetReportingMask(mask);
+            return m;
+        };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            return c.as<VCPopupMenu>()->SetSelection_ValuePath(3, h.cells[s].path, QString(), QString());
+        };
+        d.input = [](Harness& h, Control& c) {
+            int before[2];
+            MenuInput::writesOf(h, c, before);
+            auto* menu = static_cast<HeldMenu*>(c.as<VCPopupMenu>());
+            MenuInput::allowHeld(h, {menu->m_tuples[3].m_sel});
+            MenuInput::pick(h, c.as<QMenu>(), 1);
+            MenuInput::staleUnlessWritten(h, c, before);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            QAction* entry = c.as<QMenu>()->actions().value(0);
+            const bool on = h.cells[c.bound[0]].value->GetValueString() == QLatin1String("item1");
+            if (!entry || entry->isChecked() != on)
+                return QStringLiteral("switch %1checked, value holds \"%2\"").arg(on ? "un" : "", h.cells[c.bound[0]].value->GetValueString());
+            return QString();
+        };
+        ds.push_back(d);
+    }
+    { // VCPopupMenu generated from a multi-selection.
+        Driver d;
+        d.name = "VCPopupMenu generated";
+        d.roles = 1;
+        d.followsState = false;
+        d.followsItems = true;
+        d.create = [](Harness& h, Control&) { return new HeldMenu(&h.panel, "generatedmenu"); };
+        d.accepts = [](int, Kind k) { return k == MultiOne || k == MultiMany; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            return c.as<VCPopupMenu>()->SetValue1Selection_String_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            int before[2];
+            MenuInput::writesOf(h, c, before);
+            MenuInput::allowHeld(h, {static_cast<values::ValueBase*>(static_cast<HeldMenu*>(c.as<VCPopupMenu>())->m_pValue1Selection)});
+            MenuInput::pick(h, c.as<QMenu>(), 1 + h.pick(4));
+            MenuInput::staleUnlessWritten(h, c, before);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            auto* multi = static_cast<values::StringMultiSelection*>(h.cells[c.bound[0]].value);
+            std::vector<unsigned int> keys;
+            multi->GetKeys(keys);
+            std::sort(keys.begin(), keys.end());
+            QStringList held, shown;
+            if (multi->HasNoneEntry())
+                held << multi->GetNoneEntryText() + QStringLiteral("=-1");
+            for (size_t i = 0; i < keys.size(); ++i)
+                held << QStringLiteral("%1=%2%3%4").arg(multi->GetItemByKey(int(keys[i]))->GetName()).arg(i)
+                            .arg(multi->IsItemChecked(int(keys[i])) ? "*" : "").arg(multi->IsItemEnabled(int(keys[i])) ? "" : "~");
+            for (QAction* a : c.as<QMenu>()->actions())
+                shown << QStringLiteral("%1=%2%3%4").arg(a->text(), a->data().toString()).arg(a->isChecked() ? "*" : "")
+                             .arg(a->isEnabled() ? "" : "~");
+            return expectEqual("generated menu", shown.join(QLatin1Char(' ')), held.join(QLatin1Char(' ')));
+        };
+        ds.push_back(d);
+    }
+    { // VCMenuBar with one switch entry, checkable in some variants.
+        Driver d;
+        d.name = "VCMenuBar";
+        d.roles = 1;
+        d.followsState = false;
+        d.keepsBindingOnFailure = true; // a failed rebinding keeps the binding in force
+        d.create = [](Harness& h, Control& c) {
+            auto* bar = new HeldBar(&h.panel);
+            QAction* entry = bar->addAction(QStringLiteral("switch"));
+            entry->setData(0);
+            entry->setCheckable(c.variant % 2);
+            bar->resize(160, 24);
+            return bar;
+        };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [](Harness& h, Control& c, int, int s) {
+            const bool answer = c.as<VCMenuBar>()->SetSelection_ValuePath(0, h.cells[s].path, QStringLiteral("item1"),
+                                                                         QStringLiteral("item%1").arg(c.variant % 3 * 2));
+            // (A value bound while Removed is held by the bar, though the walk counts it let go.)
+            if (!h.selection(s) && c.bound[0] >= 0 && !answer)
+                throw QStringLiteral("a failed rebinding answered %1").arg(answer);
+            return answer && h.selection(s);
+        };
+        d.input = [](Harness& h, Control& c) {
+            int before[2];
+            MenuInput::writesOf(h, c, before);
+            MenuInput::allowHeld(h, {static_cast<HeldBar*>(c.as<VCMenuBar>())->m_tuples[0].sel});
+            auto* bar = c.as<QMenuBar>();
+            h.click(bar, bar->actionGeometry(bar->actions().at(0)).center());
+            MenuInput::staleUnlessWritten(h, c, before);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            QAction* entry = c.as<QMenuBar>()->actions().value(0);
+            const bool on = entry->isCheckable() && h.cells[c.bound[0]].value->GetValueString() == QLatin1String("item1");
+            return entry->isChecked() == on ? QString() : QStringLiteral("bar entry %1checked").arg(on ? "un" : "");
+        };
+        ds.push_back(d);
+    }
+    { // VCSelectionPopup on a first and a second selection, with a command in some variants.
+        Driver d;
+        d.name = "VCSelectionPopup";
+        d.roles = 2;
+        d.followsState = false; // a Disabled value stays selectable
+        d.followsItems = true;
+        d.create = [](Harness& h, Control& c) {
+            auto* p = new HeldSelections(&h.panel);
+            if (c.variant % 2)
+                p->AddAdditionalItem(QStringLiteral("extra"), &h.panel, SLOT(update()));
+            return p;
+        };
+        d.accepts = [](int, Kind k) { return k == Sel; };
+        d.bind = [](Harness& h, Control& c, int role, int s) {
+            auto* p = c.as<VCSelectionPopup>();
+            return role == 0 ? p->SetFirstSelection_ValuePath(h.cells[s].path) : p->SetSecondSelection_ValuePath(h.cells[s].path);
+        };
+        d.input = [](Harness& h, Control& c) {
+            int before[2];
+            MenuInput::writesOf(h, c, before);
+            auto* held = static_cast<HeldSelections*>(c.as<VCSelectionPopup>());
+            MenuInput::allowHeld(h, {held->m_pFirstSelection, held->m_pSecondSelection});
+            MenuInput::pick(h, c.as<QMenu>(), 1 + h.pick(5));
+            MenuInput::staleUnlessWritten(h, c, before);
+        };
+        d.shows = [](Harness& h, Control& c) {
+            // The popup follows no state: a value Removed but still in the tree keeps its part. What it
+            // holds must be what the walk bound, and what it shows what it holds.
+            auto* p = static_cast<HeldSelections*>(c.as<VCSelectionPopup>());
+            values::ValueSelection* roles[2] = {p->m_pFirstSelection, p->m_pSecondSelection};
+            for (int role = 0; role < 2; ++role)
+                if (c.bound[role] >= 0 && roles[role] != h.selection(c.bound[role]))
+                    return QStringLiteral("role %1 holds another value than bound").arg(role);
+            QStringList held;
+            const auto part = [&](values::ValueSelection* sel) {
+                for (int i = 0; i < sel->GetItemCount(); ++i)
+                    held << sel->GetItemAt(i)->GetName() + (i == sel->GetCurrentIndex() ? "*" : "");
+            };
+            if (roles[0])
+                part(roles[0]);
+            if (roles[0] && roles[1])
+                held << QStringLiteral("-");
+            if (roles[1])
+                part(roles[1]);
+            if (c.variant % 2) {
+                if (roles[0] || roles[1])
+                    held << QStringLiteral("-");
+                held << QStringLiteral("extra");
+            }
+            QStringList shown;
+            for (QAction* a : c.as<QMenu>()->actions())
+                shown << (a->isSeparator() ? QStringLiteral("-") : a->text() + (a->isChecked() ? "*" : ""));
+            return expectEqual("selection popup", shown.join(QLatin1Char(' ')), held.join(QLatin1Char(' ')));
         };
         ds.push_back(d);
     }

@@ -285,6 +285,24 @@ const QList<Probe>& probes()
          [](QWidget* host) -> QObject* { return new VCButtonCombo(host, QStringLiteral("badinput"), true, false); },
          byPath(&VCButtonCombo::SetValueSelection_ValuePath), {},
          [](QObject* c) -> QWidget* { return static_cast<VCButtonCombo*>(c)->GetButton(); }},
+        {"VCPopupMenu::SetSelection_ValuePath", {kSel}, make<VCPopupMenu>,
+         [](QObject* c, const QString& p) { return static_cast<VCPopupMenu*>(c)->SetSelection_ValuePath(0, p, "AM", "FM"); }},
+        {"VCPopupMenu::SetValue1Selection_String_ValuePath", {kMulti}, make<VCPopupMenu>,
+         byPath(&VCPopupMenu::SetValue1Selection_String_ValuePath)},
+        {"VCMenuBar::SetSelection_ValuePath", {kSel},
+         [](QWidget* host) -> QObject* {
+             auto* bar = new VCMenuBar(host, "badinput");
+             bar->addAction(QStringLiteral("plain")); // a place to bind, with no entry yet
+             return bar;
+         },
+         [](QObject* c, const QString& p) { return static_cast<VCMenuBar*>(c)->SetSelection_ValuePath(0, p, "AM", "FM"); }},
+        {"VCSelectionPopup::SetFirstSelection_ValuePath", {kSel}, make<VCSelectionPopup>,
+         byPath(&VCSelectionPopup::SetFirstSelection_ValuePath)},
+        {"VCSelectionPopup::SetSecondSelection_ValuePath", {kSel}, make<VCSelectionPopup>,
+         byPath(&VCSelectionPopup::SetSecondSelection_ValuePath)},
+        {"VCSelectionPopup::SetFirstSelection", {kSel}, make<VCSelectionPopup>, {},
+         byPointer<VCSelectionPopup, values::ValueSelection>(
+             [](VCSelectionPopup* c, values::ValueSelection* v) { return c->SetFirstSelection(v); })},
     };
     return list;
 }
@@ -470,6 +488,11 @@ private Q_SLOTS:
         rows("VCOneOfButtonCombo null and empty", {{"null", std::nan("")}}, QString(),
              QStringLiteral("m_OneOfValueSelection->GetItem(m_Value)"));
         rows("VCButtonCombo null pictures", ints);
+        // Entry ids and places from code that name nothing: nothing is written.
+        const Numbers ids = {{"INT_MIN", double(INT_MIN)}, {"-1", -1.0}, {"5", 5.0}, {"INT_MAX", double(INT_MAX)}};
+        rows("VCPopupMenu ids", ints);
+        rows("VCMenuBar ids", ints);
+        rows("VCSelectionPopup ids", ids);
 
     }
 
@@ -745,6 +768,40 @@ private Q_SLOTS:
                  combo->AddAction(nullptr);
                  combo->setCurrentItem(QString());
                  combo->setEnabled(false);
+             }},
+            // A switch whose off name is empty writes it, which the selection refuses; a generated entry
+            // of an id that no key has checks nothing.
+            {"VCPopupMenu ids",
+             [](QWidget* host, double, int n) {
+                 auto* menu = new VCPopupMenu(host, "badinput");
+                 menu->InsertItem(QString(), n, QKeySequence(n), kSel, QStringLiteral("FM"), QString());
+                 QVERIFY(menu->SetSelection_ValuePath(n, kSel, QString(), QString()));
+                 QVERIFY(menu->actions().at(0)->isChecked());
+                 menu->actions().at(0)->trigger();
+                 auto* generated = new VCPopupMenu(host, "badinput");
+                 QVERIFY(generated->SetValue1Selection_String_ValuePath(kMulti));
+                 generated->insertItem(QStringLiteral("stray"), n, -1)->trigger();
+             }},
+            // The bar's places: an id that is no place binds nothing, and a click finds no entry.
+            {"VCMenuBar ids",
+             [](QWidget* host, double, int n) {
+                 auto* bar = new VCMenuBar(host, "badinput");
+                 QCOMPARE(bar->InsertItem(QStringLiteral("x"), n, kSel, QStringLiteral("FM"), QStringLiteral("FM")), 0);
+                 QCOMPARE(bar->SetSelection_ValuePath(n, kSel, QStringLiteral("FM"), QStringLiteral("FM")), n == 0);
+                 QCOMPARE(bar->InsertItem(QStringLiteral("y"), n, n, kSel, QStringLiteral("AM"), QStringLiteral("AM")), 1);
+                 for (QAction* action : bar->actions())
+                     action->trigger();
+             }},
+            {"VCSelectionPopup ids",
+             [](QWidget* host, double, int n) {
+                 auto* popup = new VCSelectionPopup(host, "badinput");
+                 QVERIFY(popup->SetFirstSelection_ValuePath(kSel));
+                 QVERIFY(popup->SetSecondSelection_ValuePath(kSel));
+                 popup->AddAdditionalItem(QString(), nullptr, nullptr);
+                 popup->SlotFirstSelectionItemActivated(n);
+                 popup->SlotSecondSelectionItemActivated(n);
+                 popup->SlotAdditionItemActivated(n);
+                 popup->SlotAdditionItemActivated(4); // the command, routed nowhere
              }},
             // A typed magnitude selects the nearest item; an unknown letter must not break that.
             {"VCSpinSelectionBox::setOrderOfMagnitudeVSValues",

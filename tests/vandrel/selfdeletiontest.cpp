@@ -7,6 +7,7 @@
 #include <QAbstractItemView>
 #include <QDateTimeEdit>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QSpinBox>
 #include <QPointer>
 #include <QtTest>
@@ -113,6 +114,17 @@ void clickFirstRow(QWidget* list)
 {
     auto* row = static_cast<CheckSortListViewItem*>(static_cast<QTreeWidget*>(list)->topLevelItem(0));
     QTest::mouseClick(row->GetCheckBox(), Qt::LeftButton, Qt::NoModifier, QPoint(5, row->GetCheckBox()->height() / 2));
+}
+
+// Opens the menu \a c and picks the entry \a downs steps down with Return, as a user does.
+void pickInMenu(QWidget* c, int downs)
+{
+    static_cast<QMenu*>(c)->popup(c->parentWidget()->mapToGlobal(QPoint(10, 10)));
+    if (!QTest::qWaitForWindowExposed(c))
+        qWarning("the menu did not show");
+    for (int i = 0; i < downs; ++i)
+        QTest::keyClick(c, Qt::Key_Down);
+    QTest::keyPress(c, Qt::Key_Return);
 }
 
 const QList<Case>& cases()
@@ -626,6 +638,53 @@ const QList<Case>& cases()
              return qMakePair<QObject*, Observable*>(c, sel);
          },
          [](QWidget* c) { QTest::mouseClick(static_cast<VCButtonCombo*>(c)->GetButton(), Qt::LeftButton); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        // Menus: the pick is made in the open menu by keys; Return alone, since its release would go
+        // to a deleted menu.
+        {"popup menu switch, keys",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCPopupMenu(w, "m");
+             c->InsertItem(QStringLiteral("on"), 4, QStringLiteral("/s"), QStringLiteral("item 1"), QStringLiteral("item 0"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { pickInMenu(c, 1); },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
+        {"popup menu generated, keys",
+         [](QWidget* w) {
+             auto* multi = add(QStringLiteral("/m"), new values::StringMultiSelection(0));
+             for (unsigned key = 0; key < 3; ++key)
+                 multi->AddItem(key, QStringLiteral("item %1").arg(key));
+             auto* c = new VCPopupMenu(w, "m");
+             c->SetValue1Selection_String_ValuePath(QStringLiteral("/m"));
+             return qMakePair<QObject*, Observable*>(c, multi);
+         },
+         [](QWidget* c) { pickInMenu(c, 2); },
+         [] { return valueAt<values::StringMultiSelection>("/m")->IsItemChecked(1); }},
+        {"menu bar, click",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 1);
+             auto* c = new VCMenuBar(w, "m");
+             c->InsertItem(QStringLiteral("off"), 0, QStringLiteral("/s"), QStringLiteral("item 1"), QStringLiteral("item 2"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) {
+             auto* bar = static_cast<QMenuBar*>(c);
+             const QPoint at = bar->actionGeometry(bar->actions().at(0)).center();
+             QPointer<QWidget> alive(c);
+             QTest::mousePress(c, Qt::LeftButton, Qt::NoModifier, at);
+             if (alive)
+                 QTest::mouseRelease(c, Qt::LeftButton, Qt::NoModifier, at);
+         },
+         [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 2; }},
+        {"selection popup, keys",
+         [](QWidget* w) {
+             auto* sel = addSelection(QStringLiteral("/s"), 3, 0);
+             auto* c = new VCSelectionPopup(w, "m");
+             c->SetFirstSelection_ValuePath(QStringLiteral("/s"));
+             return qMakePair<QObject*, Observable*>(c, sel);
+         },
+         [](QWidget* c) { pickInMenu(c, 2); },
          [] { return valueAt<values::ValueSelection>("/s")->GetCurrentKey() == 1; }},
     };
     return all;
