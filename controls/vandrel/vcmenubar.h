@@ -72,6 +72,7 @@ protected:
         QString outVal;                        ///< name of the off state
     };
 
+    /// Reimplemented to write a pick made in the bar once the bar's own handling of the event is done.
     bool event(QEvent* event) override;
 
 protected Q_SLOTS:
@@ -79,7 +80,7 @@ protected Q_SLOTS:
     void slotCClicked(QAction* action);
 
 protected:
-    QMap<int, Tuple> m_tuples;
+    QMap<int, Tuple> m_tuples; ///< the switch entries, by their place in actions()
 
 private:
     QAction* ActionAt(int place) const;

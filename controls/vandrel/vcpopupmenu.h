@@ -83,6 +83,7 @@ protected:
     /// Regenerates the menu from the multi-selection, wiping the switch entries; gives the number of keys.
     int AddMStrings2Menu();
 
+    /// Reimplemented to write a pick made in the open menu once the menu's own handling of the event is done.
     bool event(QEvent* event) override;
 
 protected Q_SLOTS:
@@ -90,8 +91,8 @@ protected Q_SLOTS:
     void slotCClicked(QAction* action);
 
 protected:
-    QMap<int, Tuple> m_tuples;
-    StringMultiSelection* m_pValue1Selection;
+    QMap<int, Tuple> m_tuples;               ///< the switch entries, by the caller's id
+    StringMultiSelection* m_pValue1Selection; ///< the multi-selection that generates the menu; borrowed
 
 private:
     struct Generated;

@@ -70,14 +70,15 @@ protected:
     /// Checks the entry of \a value's current item in the part from \a firstId, unchecks the others.
     void UpdateItemsChecked(values::ValueSelection* value, int firstId);
 
+    /// Reimplemented to write a pick made in the open menu once the menu's own handling of the event is done.
     bool event(QEvent* event) override;
 
-    values::ValueSelection* m_pFirstSelection;
-    values::ValueSelection* m_pSecondSelection;
-    ResortPopupMenu m_additionalItems;
-    int m_nFirstSelectionOffset;
-    int m_nSecondSelectionOffset;
-    int m_nAdditionalOffset;
+    values::ValueSelection* m_pFirstSelection;  ///< borrowed; null when unbound
+    values::ValueSelection* m_pSecondSelection; ///< borrowed; null when unbound
+    ResortPopupMenu m_additionalItems;          ///< store of the application's commands, never shown itself
+    int m_nFirstSelectionOffset;                ///< id of the first selection's first entry; -1 when it has none
+    int m_nSecondSelectionOffset;               ///< id of the second selection's first entry; -1 when it has none
+    int m_nAdditionalOffset;                    ///< id of the first command; -1 when there are none
 
 private:
     void LetGo(values::ValueSelection*& field);
