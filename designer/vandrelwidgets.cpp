@@ -140,7 +140,8 @@ QWidget* VandrelWidget::createWidget(QWidget* parent)
 QString VandrelWidget::domXml() const
 {
     // The binding properties go in as empty dynamic string properties, so that the property editor shows
-    // them on every new control; an empty one binds nothing.
+    // them on every new control; an empty one binds nothing. A path is no text to translate: marked so,
+    // lupdate leaves it out of the catalogs and QUiLoader hands it over as it stands.
     QString xml = QStringLiteral("<ui language=\"c++\">\n <widget class=\"%1\" name=\"%2\">\n"
                                  "  <property name=\"geometry\"><rect><x>0</x><y>0</y><width>%3</width><height>%4</height></rect></property>\n")
                       .arg(m_description.className,
@@ -156,7 +157,7 @@ QString VandrelWidget::domXml() const
         const bool number = property.endsWith("Key");
         xml += QStringLiteral("  <property name=\"%1\" stdset=\"0\">%2</property>\n")
                    .arg(QString::fromLatin1(property),
-                        number ? QStringLiteral("<number>0</number>") : QStringLiteral("<string></string>"));
+                        number ? QStringLiteral("<number>0</number>") : QStringLiteral("<string notr=\"true\"></string>"));
     }
     xml += QStringLiteral(" </widget>\n</ui>\n");
     return xml;

@@ -16,6 +16,7 @@
 #include <vandrel/vandrel.h>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QEvent>
 #include <QFontDatabase>
 #include <QFrame>
@@ -28,6 +29,7 @@
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -71,8 +73,67 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     : QMainWindow(parent)
     , m_pInstrument(instrument)
 {
-    setWindowTitle(tr("Simulated receiver"));
+    useGalleryCatalog();
     resize(1480, 800);
+    buildUi();
+    connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);
+}
+
+GalleryWindow::~GalleryWindow() = default;
+
+void GalleryWindow::useGalleryCatalog()
+{
+    // The gallery's words and the item names of its values live in the catalog of the namespace
+    // "Gallery", compiled into the program; the library's catalogs are found beside the build.
+    Q_INIT_RESOURCE(gallery_i18n);
+    TranslationCenter& centre = TranslationCenter::Instance();
+    if (!centre.IsRegistered(QStringLiteral("Gallery"))) {
+        centre.AddSearchPath(QStringLiteral(VANDREL_BUILD_TRANSLATIONS));
+        centre.Register(QStringLiteral("Gallery"));
+        centre.InstallCatalog(QStringLiteral("Gallery"));
+        centre.InstallCatalog(QStringLiteral("Vandrel"));
+        centre.InstallCatalog(QStringLiteral("Plinthor"));
+        // English until the user picks German, whatever the system's locale: one window, one language.
+        centre.SetLocale(QStringLiteral("en"));
+    }
+}
+
+QString GalleryWindow::language() const
+{
+    return m_strLanguage;
+}
+
+void GalleryWindow::setLanguage(const QString& language)
+{
+    if (language == m_strLanguage)
+        return;
+    m_strLanguage = language;
+    TranslationCenter::Instance().SetLocale(language);
+    // Each text is made where its widget is made, and every control takes all it shows from its value,
+    // so making the window's contents again retranslates everything, item names of values included, and
+    // loses nothing but scroll positions. Not now: the switch itself is one of the widgets that go.
+    QTimer::singleShot(0, this, &GalleryWindow::rebuildUi);
+}
+
+void GalleryWindow::rebuildUi()
+{
+    const int page = m_pPages ? m_pPages->currentIndex() : 0;
+    m_bindings.clear();
+    const QList<QToolBar*> bars = findChildren<QToolBar*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QToolBar* bar : bars) {
+        removeToolBar(bar);
+        delete bar;
+    }
+    delete takeCentralWidget();
+    setStatusBar(nullptr);
+    buildUi();
+    m_pPages->setCurrentIndex(page);
+    Q_EMIT rebuilt();
+}
+
+void GalleryWindow::buildUi()
+{
+    setWindowTitle(tr("Simulated receiver"));
 
     auto* left = new QWidget(this);
     auto* leftLayout = new QVBoxLayout(left);
@@ -106,7 +167,6 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     makeMenuBar();
     makeStatusBar();
 
-    connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);
     // The scan switch also follows edits and removals made while the simulation is paused.
     connect(valueTreeModel(), &ValueTreeModel::changeArrived, this, [this](const QString& path) {
         if (path == QLatin1String("/receiver/scan/active"))
@@ -115,8 +175,6 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     connect(valueTreeModel(), &QAbstractItemModel::rowsRemoved, this, &GalleryWindow::followInstrument);
     followInstrument();
 }
-
-GalleryWindow::~GalleryWindow() = default;
 
 QLabel* GalleryWindow::hint(const QString& text, QWidget* parent)
 {
@@ -468,6 +526,27 @@ void GalleryWindow::makeActions()
     bar->addSeparator();
     QAction* restore = bar->addAction(tr("Restore instrument"), this, &GalleryWindow::restoreInstrument);
     restore->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+
+    // Each language named in itself, so that either can be found whichever is shown.
+    bar->addSeparator();
+    auto* languages = new QActionGroup(bar);
+    const struct
+    {
+        const char* name;
+        QString code;
+        QString label;
+    } choices[] = {{"languageEnglish", QStringLiteral("en"), QStringLiteral("English")},
+                   {"languageGerman", QStringLiteral("de"), QStringLiteral("Deutsch")}};
+    for (const auto& choice : choices) {
+        QAction* action = bar->addAction(choice.label);
+        action->setObjectName(QLatin1String(choice.name));
+        action->setCheckable(true);
+        action->setChecked(choice.code == m_strLanguage);
+        action->setToolTip(tr("Show the gallery in %1").arg(choice.label));
+        languages->addAction(action);
+        const QString code = choice.code;
+        connect(action, &QAction::triggered, this, [this, code] { setLanguage(code); });
+    }
 }
 
 void GalleryWindow::makeStatusBar()

@@ -34,6 +34,8 @@ public:
     ValueTreeView* valueTree() const { return m_pTree; }
     ValueTreeModel* valueTreeModel() const;
     QTabWidget* pages() const { return m_pPages; }
+    /// The language the window shows: "en" or "de".
+    QString language() const;
 
 public Q_SLOTS:
     /// Brings back removed values, enables all, binds every control again and shows the new rows.
@@ -42,8 +44,18 @@ public Q_SLOTS:
     void resetReception();
     /// The level readout in dBm over the full range, as one edit of the context menu that asks.
     void resetView();
+    /// Shows the window in \a language ("en" or "de"): loads its catalogs and makes every text again,
+    /// on the next turn of the event loop; rebuilt() follows.
+    void setLanguage(const QString& language);
+
+Q_SIGNALS:
+    /// The window's contents were made again, after a change of language.
+    void rebuilt();
 
 private:
+    void useGalleryCatalog();
+    void buildUi();
+    void rebuildUi();
     QWidget* makeDisplay();
     QWidget* makeSliderPage();
     QWidget* makeButtonPage();
@@ -90,4 +102,5 @@ private:
     QLabel* m_pClock = nullptr;
     QLabel* m_pCount = nullptr;
     std::vector<std::function<void()>> m_bindings;
+    QString m_strLanguage = QStringLiteral("en");
 };

@@ -2,6 +2,7 @@
 
 #include <values/values.h>
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QtMath>
 
@@ -17,9 +18,14 @@ struct ValueRecipe
     std::function<values::ValueBase*()> make;
 };
 
+// The item names of the gallery's values are translated, where the controls show them, in the
+// namespace of the gallery's own catalog; the values keep their English names.
+const char* const kNamespace = "Gallery";
+
 values::ValueSelection* makeSelection(std::initializer_list<const char*> names)
 {
     auto* selection = new values::ValueSelection;
+    selection->SetTranslationNamespace(kNamespace);
     long key = 0;
     for (const char* name : names) {
         selection->AddItem(QString::fromLatin1(name), double(key), key, nullptr);
@@ -80,7 +86,7 @@ const std::vector<ValueRecipe>& recipes()
     static const std::vector<ValueRecipe> list = {
         {"/receiver/acquisition/length", [] { return new values::Int64Value(0); }},
         {"/receiver/acquisition/start", [] { return new values::Int64Value(switchedOnUs()); }},
-        {"/receiver/agc", [] { return makeSelection({"Slow", "Fast"}); }},
+        {"/receiver/agc", [] { return makeSelection({QT_TRANSLATE_NOOP("Gallery", "Slow"), QT_TRANSLATE_NOOP("Gallery", "Fast")}); }},
         {"/receiver/alarms/overload", [] { return new values::BoolValue(false); }},
         {"/receiver/alarms/record", [] { return new values::BoolValue(false); }},
         {"/receiver/alarms/status", [] { return new values::IntValue(0); }},
@@ -96,9 +102,10 @@ const std::vector<ValueRecipe>& recipes()
         {"/receiver/options",
          [] {
              auto* options = new values::StringMultiSelection(0);
-             options->AddItem(1, QStringLiteral("Noise blanker"));
-             options->AddItem(2, QStringLiteral("Notch"));
-             options->AddItem(3, QStringLiteral("Preamp"));
+             options->SetTranslationNamespace(kNamespace);
+             options->AddItem(1, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Noise blanker")));
+             options->AddItem(2, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Notch")));
+             options->AddItem(3, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Preamp")));
              options->SetNoneEntry(true, QStringLiteral("none"));
              options->SetSeveralEntryText(QStringLiteral("several"));
              return options;
@@ -135,21 +142,23 @@ const std::vector<ValueRecipe>& recipes()
         // How the level is viewed: switches of the menu bar (in/out names "On" and "Off"), the markers
         // of the display (keys counting from 0, as a generated menu addresses them), and the unit and
         // range of the level readout's context menu.
-        {"/receiver/view/averaging", [] { return makeSelection({"Off", "On"}); }},
-        {"/receiver/view/hold", [] { return makeSelection({"Off", "On"}); }},
+        {"/receiver/view/averaging", [] { return makeSelection({QT_TRANSLATE_NOOP("Gallery", "Off"), QT_TRANSLATE_NOOP("Gallery", "On")}); }},
+        {"/receiver/view/hold", [] { return makeSelection({QT_TRANSLATE_NOOP("Gallery", "Off"), QT_TRANSLATE_NOOP("Gallery", "On")}); }},
         {"/receiver/view/markers",
          [] {
              auto* markers = new values::StringMultiSelection(0);
-             const char* const names[] = {"Carrier", "Overload", "Scan stops", "Squelch"};
+             markers->SetTranslationNamespace(kNamespace);
+             const char* const names[] = {QT_TRANSLATE_NOOP("Gallery", "Carrier"), QT_TRANSLATE_NOOP("Gallery", "Overload"),
+                                          QT_TRANSLATE_NOOP("Gallery", "Scan stops"), QT_TRANSLATE_NOOP("Gallery", "Squelch")};
              for (unsigned key = 0; key < 4; ++key)
                  markers->AddItem(key, QString::fromLatin1(names[key]), key == 0);
              return markers;
          }},
-        {"/receiver/view/range", [] { return makeSelection({"Full", "Weak signals", "Strong signals"}); }},
+        {"/receiver/view/range", [] { return makeSelection({QT_TRANSLATE_NOOP("Gallery", "Full"), QT_TRANSLATE_NOOP("Gallery", "Weak signals"), QT_TRANSLATE_NOOP("Gallery", "Strong signals")}); }},
         {"/receiver/view/unit", [] { return makeSelection({"dBm", "dBuV"}); }},
         {"/receiver/volume", [] { return new values::IntNumeric(40, 0, 100, 1); }},
         // The compounds of the buttons page: the band with its preselector switch, and the tuning step.
-        {"/receiver/band", [] { return makeSelection({"LW", "MW", "SW", "VHF"}); }},
+        {"/receiver/band", [] { return makeSelection({QT_TRANSLATE_NOOP("Gallery", "LW"), QT_TRANSLATE_NOOP("Gallery", "MW"), QT_TRANSLATE_NOOP("Gallery", "SW"), QT_TRANSLATE_NOOP("Gallery", "VHF")}); }},
         {"/receiver/preselector", [] { return new values::BoolValue(true); }},
         {"/receiver/step", [] { return makeSelection({"10 Hz", "100 Hz", "1 kHz", "10 kHz", "100 kHz"}); }},
     };

@@ -68,9 +68,13 @@ int main(int argc, char** argv)
                                         QStringLiteral("Open on page <page>: its number (1 is the first tab) or the "
                                                        "beginning of its title, such as \"Buttons\"."),
                                         QStringLiteral("page"));
+    const QCommandLineOption languageOption(QStringLiteral("language"),
+                                            QStringLiteral("Show the gallery in <language>: en (the default) or de."),
+                                            QStringLiteral("language"));
     parser.addOption(screenshotOption);
     parser.addOption(seedOption);
     parser.addOption(pageOption);
+    parser.addOption(languageOption);
     parser.process(app);
 
     const QString screenshot = parser.value(screenshotOption);
@@ -94,7 +98,15 @@ int main(int argc, char** argv)
         instrument.setSeed(kScreenshotSeed);
     }
 
+    const QString language = parser.value(languageOption);
+    if (parser.isSet(languageOption) && language != QLatin1String("en") && language != QLatin1String("de")) {
+        std::fprintf(stderr, "vandrel-gallery: --language takes en or de, not '%s'\n", qPrintable(language));
+        return 2;
+    }
+
     GalleryWindow window(&instrument);
+    if (!language.isEmpty())
+        window.setLanguage(language);
     if (parser.isSet(pageOption)) {
         const int page = pageIndex(window.pages(), parser.value(pageOption));
         if (page < 0) {

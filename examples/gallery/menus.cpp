@@ -27,9 +27,11 @@ void GalleryWindow::makeMenuBar()
     bar->InsertItem(tr("Hold"), 0, QStringLiteral("/receiver/view/hold"), QStringLiteral("On"), QStringLiteral("Off"));
     bar->InsertItem(tr("Averaging"), 1, QStringLiteral("/receiver/view/averaging"), QStringLiteral("On"),
                     QStringLiteral("Off"));
-    for (QAction* entry : bar->actions()) {
+    const QStringList paths = {QStringLiteral("/receiver/view/hold"), QStringLiteral("/receiver/view/averaging")};
+    for (int place = 0; place < bar->actions().size(); ++place) {
+        QAction* entry = bar->actions().at(place);
         entry->setCheckable(true);
-        entry->setToolTip(tr("Switches /receiver/view/%1").arg(entry->text().toLower()));
+        entry->setToolTip(tr("Switches %1").arg(paths.value(place)));
     }
     // Made checkable after binding: the marks are taken again, and again after every restore.
     bind([bar] {

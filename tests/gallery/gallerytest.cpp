@@ -901,6 +901,51 @@ private Q_SLOTS:
     }
 #endif
 
+    // German and back: every tab and the item names of values change language; the window is made anew
+    // on the same values, so a control still writes and the page stays where the user was.
+    void languageSwitchRetranslatesEverything()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QTabWidget* pages = window.pages();
+        pages->setCurrentIndex(2);
+        QStringList english;
+        for (int i = 0; i < pages->count(); ++i)
+            english << pages->tabText(i);
+        auto* agc = child<VCComboBoxButtonStyle>(window, "agcToggle");
+        QCOMPARE(agc->text(), QStringLiteral("Slow"));
+
+        QSignalSpy rebuilt(&window, &GalleryWindow::rebuilt);
+        auto* german = child<QAction>(window, "languageGerman");
+        QVERIFY(german);
+        german->trigger();
+        QTRY_COMPARE(rebuilt.count(), 1);
+        QCOMPARE(window.language(), QStringLiteral("de"));
+        pages = window.pages();
+        QCOMPARE(pages->currentIndex(), 2);
+        for (int i = 0; i < pages->count(); ++i) {
+            QVERIFY2(pages->tabText(i) != english.at(i), qPrintable(english.at(i)));
+            QCOMPARE(pages->tabText(i), QCoreApplication::translate("GalleryWindow", english.at(i).toUtf8().constData()));
+        }
+        QCOMPARE(child<QAction>(window, "languageGerman")->isChecked(), true);
+        agc = child<VCComboBoxButtonStyle>(window, "agcToggle");
+        QCOMPARE(agc->text(), QCoreApplication::translate("Gallery", "Slow"));
+        QVERIFY(agc->text() != QLatin1String("Slow"));
+        // The library's own words come in German too.
+        auto* undo = child<VCUndo>(window, "undo");
+        QVERIFY(undo);
+        QCOMPARE(undo->findChild<VCButton*>()->toolTip(), QStringLiteral("R\u00fcckg\u00e4ngig"));
+        // Made anew, still bound: a click writes, and the value keeps its English name.
+        QTest::mouseClick(agc, Qt::LeftButton);
+        QCOMPARE(textOf("agc"), QStringLiteral("Fast"));
+
+        child<QAction>(window, "languageEnglish")->trigger();
+        QTRY_COMPARE(rebuilt.count(), 2);
+        for (int i = 0; i < window.pages()->count(); ++i)
+            QCOMPARE(window.pages()->tabText(i), english.at(i));
+        QCOMPARE(child<VCComboBoxButtonStyle>(window, "agcToggle")->text(), QStringLiteral("Fast"));
+    }
+
     void undoTakesBackClicksOneByOne()
     {
         Instrument instrument;
