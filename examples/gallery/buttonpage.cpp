@@ -9,6 +9,7 @@
 
 #include <vandrel/vandrel.h>
 
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -342,11 +343,13 @@ QWidget* GalleryWindow::makeButtonPage()
     QList<QWidget*> bandButtons;
     for (const char* band : {"LW", "MW", "SW", "VHF"}) {
         const QString name = QString::fromLatin1(band);
-        auto* button = new VCOneOfButton(name, compounds, static_cast<const char* const*>(nullptr), nullptr,
+        // Shown in the language of the window; the button owns the item by its English name.
+        const QString shown = QCoreApplication::translate("Gallery", band);
+        auto* button = new VCOneOfButton(shown, compounds, static_cast<const char* const*>(nullptr), nullptr,
                                          QStringLiteral("band%1Button").arg(name));
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setFixedSize(38, 24);
-        button->setToolTip(tr("Switch to the %1 band").arg(name));
+        button->setToolTip(tr("Switch to the %1 band").arg(shown));
         bind([button, name] { button->SetSelection_ValuePath(QStringLiteral("/receiver/band"), name, QString()); });
         bandButtons << button;
     }

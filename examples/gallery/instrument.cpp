@@ -72,10 +72,11 @@ constexpr int kChannelsPerStep = 6;
 values::ValueBase* makeChannels()
 {
     auto* channels = new values::StringMultiSelection(0);
+    channels->SetTranslationNamespace(kNamespace);
     for (int i = 0; i < kChannels; ++i)
         channels->AddItem(unsigned(i), QStringLiteral("%1 kHz").arg(kFirstChannelKHz + i * kChannelStepKHz, 0, 'f', 0));
-    channels->SetNoneEntry(true, QStringLiteral("none"));
-    channels->SetSeveralEntryText(QStringLiteral("several"));
+    channels->SetNoneEntry(true, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "none")));
+    channels->SetSeveralEntryText(QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "several")));
     return channels;
 }
 
@@ -106,8 +107,8 @@ const std::vector<ValueRecipe>& recipes()
              options->AddItem(1, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Noise blanker")));
              options->AddItem(2, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Notch")));
              options->AddItem(3, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "Preamp")));
-             options->SetNoneEntry(true, QStringLiteral("none"));
-             options->SetSeveralEntryText(QStringLiteral("several"));
+             options->SetNoneEntry(true, QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "none")));
+             options->SetSeveralEntryText(QStringLiteral(QT_TRANSLATE_NOOP("Gallery", "several")));
              return options;
          }},
         {"/receiver/results/bandwidth/INVALID", [] { return new values::BoolValue(false); }},

@@ -1,5 +1,6 @@
 #include "valuereadout.h"
 
+#include <orvi/translationcenter.h>
 #include <values/values.h>
 
 ValueReadout::ValueReadout(Formatter formatter, QWidget* parent)
@@ -45,7 +46,10 @@ void ValueReadout::showUnbound()
 void ValueReadout::refresh()
 {
     if (m_pValue)
-        setText(m_format ? m_format(*m_pValue) : m_pValue->GetValueString());
+        // Item names come in the language of the window, as the controls show them.
+        setText(m_format ? m_format(*m_pValue)
+                         : TranslationCenter::Instance().translate(m_pValue->GetTranslationNamespace(),
+                                                                   m_pValue->GetValueString()));
 }
 
 void ValueReadout::Update(Observable* source, TChangeCode code)

@@ -931,6 +931,10 @@ private Q_SLOTS:
         agc = child<VCComboBoxButtonStyle>(window, "agcToggle");
         QCOMPARE(agc->text(), QCoreApplication::translate("Gallery", "Slow"));
         QVERIFY(agc->text() != QLatin1String("Slow"));
+        // Readouts and the pages' own buttons name items as the controls do.
+        QCOMPARE(child<ValueReadout>(window, "readout:/receiver/agc")->text(), agc->text());
+        QCOMPARE(child<VCOneOfButton>(window, "bandSWButton")->text(), QCoreApplication::translate("Gallery", "SW"));
+        QVERIFY(child<VCOneOfButton>(window, "bandSWButton")->text() != QLatin1String("SW"));
         // The library's own words come in German too.
         auto* undo = child<VCUndo>(window, "undo");
         QVERIFY(undo);

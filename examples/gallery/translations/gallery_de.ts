@@ -75,6 +75,14 @@
         <source>VHF</source>
         <translation>UKW</translation>
     </message>
+    <message>
+        <source>none</source>
+        <translation>keine</translation>
+    </message>
+    <message>
+        <source>several</source>
+        <translation>mehrere</translation>
+    </message>
 </context>
 <context>
     <name>GalleryWindow</name>
