@@ -93,12 +93,7 @@ bool VCButtonGroup::SetCheckable_ValuePath(const QString& path)
         const QScopedValueRollback<bool> showing(m_bShowingBool, true);
         setCheckable(true);
     }
-    Observable* observable = ObservableOf(found);
-    Update(observable, StateChanged);
-    Update(observable, RangeChanged);
-    if (dynamic_cast<values::ValueSelection*>(observable))
-        Update(observable, ItemsChanged);
-    Update(observable, ValueChanged);
+    SyncObserver(found, this);
     return true;
 }
 

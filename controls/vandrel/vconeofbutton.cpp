@@ -22,18 +22,7 @@ VCOneOfButton::VCOneOfButton(QString text, QWidget* parent, const char* const* i
     , m_pInPicture(nullptr)
     , m_pOutPicture(nullptr)
 {
-    setAutoRaise(true);
-    setText(text);
-    m_pInPicture = new QPixmap(fromXpm(inPicture));
-    setIcon(QIcon(*m_pInPicture));
-    if (outPicture)
-        m_pOutPicture = new QPixmap(outPicture);
-    else
-        setCheckable(true);
-    setFocusPolicy(Qt::StrongFocus);
-    disconnect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
-    connect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
-    setFixedSize(24, 24);
+    Setup(text, fromXpm(inPicture), outPicture ? new QPixmap(outPicture) : nullptr);
     if (toolTip().isEmpty() && !text.isEmpty())
         setToolTip(text);
     VCButton::setEnabled(false);
@@ -46,18 +35,27 @@ VCOneOfButton::VCOneOfButton(QString text, QWidget* parent, QPixmap inPicture, Q
     , m_pInPicture(nullptr)
     , m_pOutPicture(nullptr)
 {
+    Setup(text, inPicture, new QPixmap(outPicture));
+    VCButton::setEnabled(false);
+    if (!name.isEmpty())
+        setToolTip(name);
+}
+
+// What both constructors make: the pictures (no out picture makes the button checkable), its own click
+// handling, and the fixed size.
+void VCOneOfButton::Setup(const QString& text, const QPixmap& inPicture, QPixmap* outPicture)
+{
     setAutoRaise(true);
     setText(text);
     m_pInPicture = new QPixmap(inPicture);
     setIcon(QIcon(*m_pInPicture));
-    m_pOutPicture = new QPixmap(outPicture);
+    m_pOutPicture = outPicture;
+    if (!m_pOutPicture)
+        setCheckable(true);
     setFocusPolicy(Qt::StrongFocus);
     disconnect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
     connect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
     setFixedSize(24, 24);
-    VCButton::setEnabled(false);
-    if (!name.isEmpty())
-        setToolTip(name);
 }
 
 VCOneOfButton::~VCOneOfButton()

@@ -62,6 +62,7 @@ protected Q_SLOTS:
 
 private:
     void FreePixmaps();
+    void Setup(const QString& text, const QPixmap& inPicture, QPixmap* outPicture);
 
     values::ValueSelection* m_OneOfValueSelection;
     QString m_Value;
