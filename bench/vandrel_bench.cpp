@@ -1,4 +1,5 @@
-// vandrel-bench: how long the tree takes to find a path among 100,000, and what one write of a
+// vandrel-bench: how long the tree takes to find a path among 1,000 to 1,000,000; what making,
+// deleting and holding many sliders bound to one value costs, and a recorded click; what one write of a
 // number costs until N bound sliders show it, next to the same fan-out done with hand-wired signals
 // (the floor: the sliders' own cost) and with QDataWidgetMapper; and what one check mark of a
 // multi-selection of thousands of items costs each selection control, against a rebuild.
@@ -8,6 +9,7 @@
 #include <plinthor/resortpopupmenu.h>
 #include <plinthor/sortlistview.h>
 #include <vandrel/vccombobox.h>
+#include <vandrel/vccheckbox.h>
 #include <vandrel/vclabel.h>
 #include <vandrel/vcmultiplecheck.h>
 #include <vandrel/vcslider.h>
@@ -26,6 +28,7 @@
 #include <QStandardItemModel>
 #include <QWidget>
 
+#include <malloc.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -37,6 +40,8 @@
 #include <utility>
 #include <vector>
 
+#include <values/undo.h>
+
 namespace {
 
 constexpr int kMinimum = 0;
@@ -45,8 +50,7 @@ constexpr int kMaximum = 100;
 constexpr int kLow = 25;
 constexpr int kHigh = 75;
 
-constexpr int kGroups = 100;
-constexpr int kValuesPerGroup = 1000; // kGroups * kValuesPerGroup values in the tree
+constexpr int kValuesPerGroup = 1000; // values per group of the tree's paths
 constexpr int kLookupKeys = 1 << 14;  // distinct paths cycled through, so that one hot entry proves nothing
 
 const int kFanOuts[] = {1, 100, 1000};
@@ -69,6 +73,19 @@ const char* const kSelectRebuild[] = {"select/rebuild-comboboxclassic", "select/
 const int kSelectionSizes[] = {1000, 10000};
 const char* const kFindHit = "find/hit";
 const char* const kFindMiss = "find/miss";
+const int kFindSizes[] = {1000, 100000, 1000000};
+// Many sliders on one value: building, tearing down and the heap they hold.
+const int kManySizes[] = {2000, 20000};
+const char* const kCreateFloor = "create/floor-qslider-hand-wired";
+const char* const kCreateBound = "create/vcslider-bound";
+const char* const kDestroyFloor = "destroy/floor-qslider-hand-wired";
+const char* const kDestroyBound = "destroy/vcslider-bound";
+const int kHeapCount = 2000;
+const char* const kHeapBare = "heap/qslider-bare";
+const char* const kHeapFloor = "heap/floor-qslider-hand-wired";
+const char* const kHeapBound = "heap/vcslider-bound";
+const char* const kClickOff = "click/vccheckbox-undo-off";
+const char* const kClickRecorded = "click/vccheckbox-recorded";
 
 QString treePath(int group, int value)
 {
@@ -461,23 +478,53 @@ void BM_MapperShared(benchmark::State& state, bool namedProperty)
 
 // Lookup keys are built afresh rather than copied from the tree's own, so that no comparison can
 // short-cut on shared string data; they come in a fixed pseudo-random order.
-std::vector<QString> lookupKeys(bool hits)
+std::vector<QString> lookupKeys(bool hits, int count)
 {
     std::mt19937 random(hits ? 20240501u : 20240502u);
-    std::uniform_int_distribution<int> group(0, kGroups - 1);
     // Misses look like hits (same prefix and length range) but name values past the last one.
-    std::uniform_int_distribution<int> value(hits ? 0 : kValuesPerGroup, hits ? kValuesPerGroup - 1 : 2 * kValuesPerGroup - 1);
+    std::uniform_int_distribution<int> index(0, count - 1);
     std::vector<QString> keys;
     keys.reserve(kLookupKeys);
-    for (int i = 0; i < kLookupKeys; ++i)
-        keys.push_back(treePath(group(random), value(random)));
+    for (int k = 0; k < kLookupKeys; ++k) {
+        const int i = index(random);
+        const int group = i / kValuesPerGroup;
+        const int value = i % kValuesPerGroup;
+        keys.push_back(treePath(group, hits ? value : value + kValuesPerGroup));
+    }
     return keys;
+}
+
+// The tree holds exactly the first \a count values of the /bench/groupG/valueV family (value i is
+// group i / kValuesPerGroup, value i % kValuesPerGroup); values are added or removed to get there.
+int g_nTreeValues = 0;
+
+bool resizeTree(int count)
+{
+    values::Tree* tree = values::Tree::Instance();
+    for (; g_nTreeValues > count; --g_nTreeValues) {
+        const int i = g_nTreeValues - 1;
+        tree->Remove(treePath(i / kValuesPerGroup, i % kValuesPerGroup));
+    }
+    for (; g_nTreeValues < count; ++g_nTreeValues) {
+        const int i = g_nTreeValues;
+        auto* number = new values::IntNumeric(i % kValuesPerGroup, 0, kValuesPerGroup, 1);
+        if (!tree->Add(treePath(i / kValuesPerGroup, i % kValuesPerGroup), number)) {
+            delete number;
+            return false;
+        }
+    }
+    return true;
 }
 
 void BM_Find(benchmark::State& state, bool hits)
 {
+    const int count = int(state.range(0));
+    if (!resizeTree(count)) {
+        state.SkipWithError("could not fill the tree");
+        return;
+    }
     const values::Tree* tree = values::Tree::Instance();
-    const std::vector<QString> keys = lookupKeys(hits);
+    const std::vector<QString> keys = lookupKeys(hits, count);
     for (const QString& key : keys) {
         if ((tree->Find(key) != nullptr) != hits) {
             state.SkipWithError(hits ? "a present path was not found" : "an absent path was found");
@@ -492,25 +539,211 @@ void BM_Find(benchmark::State& state, bool hits)
     state.SetItemsProcessed(state.iterations());
 }
 
-bool populateTree()
+// --- many sliders on one value: create and bind, destroy, heap ---
+
+// The floor's model object: one number with a change signal and a setter, as a hand-written form
+// would hold it.
+class NumberModel : public QObject
 {
-    values::Tree* tree = values::Tree::Instance();
-    for (int group = 0; group < kGroups; ++group) {
-        for (int value = 0; value < kValuesPerGroup; ++value) {
-            auto* number = new values::IntNumeric(value, 0, kValuesPerGroup, 1);
-            if (!tree->Add(treePath(group, value), number)) {
-                delete number;
-                return false;
-            }
+    Q_OBJECT
+public:
+    int value() const { return m_nValue; }
+public Q_SLOTS:
+    void setValue(int value)
+    {
+        if (value == m_nValue)
+            return;
+        m_nValue = value;
+        Q_EMIT valueChanged(value);
+    }
+Q_SIGNALS:
+    void valueChanged(int value);
+
+private:
+    int m_nValue = kLow;
+};
+
+enum class Wiring { Bare, HandWired, Bound };
+
+// One slider as each case makes it: a name, a tool-tip, the range and the number, and a link both ways.
+Q_NEVER_INLINE QSlider* bench_makeSlider(Wiring wiring, QWidget* parent, NumberModel* model, const QString& path)
+{
+    if (wiring == Wiring::Bound) {
+        auto* slider = new VCSlider(parent, "level");
+        slider->setToolTip(QStringLiteral("Level"));
+        return slider->SetNumeric_ValuePath(path) ? slider : nullptr;
+    }
+    auto* slider = new QSlider(Qt::Horizontal, parent);
+    slider->setObjectName(QStringLiteral("level"));
+    slider->setToolTip(QStringLiteral("Level"));
+    slider->setRange(kMinimum, kMaximum);
+    slider->setValue(model->value());
+    if (wiring == Wiring::HandWired) {
+        QObject::connect(model, &NumberModel::valueChanged, slider, &QSlider::setValue);
+        QObject::connect(slider, &QSlider::valueChanged, model, &NumberModel::setValue);
+    }
+    return slider;
+}
+
+// The number all many-slider cases bind to, at a path of its own for each case.
+class SharedNumber
+{
+public:
+    explicit SharedNumber(const QString& path)
+        : m_path(path)
+        , m_pNumber(new values::IntNumeric(kLow, kMinimum, kMaximum, 1))
+    {
+        if (!values::Tree::Instance()->Add(path, m_pNumber)) {
+            delete m_pNumber;
+            m_pNumber = nullptr;
         }
     }
+    ~SharedNumber()
+    {
+        if (m_pNumber)
+            values::Tree::Instance()->Remove(m_path);
+    }
+    values::IntNumeric* number() const { return m_pNumber; }
+    const QString& path() const { return m_path; }
+
+private:
+    QString m_path;
+    values::IntNumeric* m_pNumber;
+};
+
+bool makeSliders(Wiring wiring, int count, QWidget* container, NumberModel* model, const QString& path,
+                 std::vector<QSlider*>& sliders)
+{
+    sliders.clear();
+    sliders.reserve(size_t(count));
+    for (int i = 0; i < count; ++i) {
+        QSlider* slider = bench_makeSlider(wiring, container, model, path);
+        if (!slider)
+            return false;
+        sliders.push_back(slider);
+    }
     return true;
+}
+
+Q_NEVER_INLINE void bench_destroy(QWidget* container)
+{
+    delete container;
+}
+
+// Times making (or, with \a destroy, deleting) \a count sliders linked to one number; the other half
+// of each round runs with the clock stopped.
+void BM_Many(benchmark::State& state, Wiring wiring, bool destroy)
+{
+    const int count = int(state.range(0));
+    SharedNumber shared(QStringLiteral("/bench/many/%1/%2/%3").arg(int(wiring)).arg(int(destroy)).arg(count));
+    if (!shared.number()) {
+        state.SkipWithError("the number could not be added to the tree");
+        return;
+    }
+    NumberModel model;
+    std::vector<QSlider*> sliders;
+    for (auto _ : state) {
+        if (destroy)
+            state.PauseTiming();
+        auto* container = new QWidget;
+        const bool made = makeSliders(wiring, count, container, &model, shared.path(), sliders);
+        if (!destroy)
+            state.PauseTiming();
+        const bool linked = made && (wiring != Wiring::Bound || shared.number()->ObserverCount() == count);
+        if (!destroy)
+            delete container;
+        else
+            state.ResumeTiming();
+        if (destroy)
+            bench_destroy(container);
+        else
+            state.ResumeTiming();
+        if (!linked) {
+            state.SkipWithError("a slider did not bind");
+            break;
+        }
+    }
+    if (shared.number()->ObserverCount() != 0)
+        state.SkipWithError("a destroyed slider stayed attached");
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+// Heap in use, counted by the allocator: Qt allocates strings with malloc() and objects with new,
+// so counting operator new alone would miss part of it.
+size_t heapInUse()
+{
+    return mallinfo2().uordblks;
+}
+
+// Heap bytes per slider held while kHeapCount of them exist, reported as a counter; the time means
+// nothing here.
+void BM_Heap(benchmark::State& state, Wiring wiring)
+{
+    SharedNumber shared(QStringLiteral("/bench/heap/%1").arg(int(wiring)));
+    NumberModel model;
+    std::vector<QSlider*> sliders;
+    double bytesPerSlider = 0.0;
+    for (auto _ : state) {
+        auto* container = new QWidget;
+        // One slider first, so that once-only allocations (meta-object caches, a connection list
+        // of the model) do not count.
+        bench_makeSlider(wiring, container, &model, shared.path());
+        // Events a new widget posts to itself are handled before each count, so that only what the
+        // sliders hold is counted.
+        QCoreApplication::sendPostedEvents();
+        const size_t before = heapInUse();
+        const bool made = makeSliders(wiring, kHeapCount, container, &model, shared.path(), sliders);
+        QCoreApplication::sendPostedEvents();
+        // The vector of pointers is the bench's own; it was reserved before the count started...
+        bytesPerSlider = (double(heapInUse()) - double(before) - double(sliders.capacity() * sizeof(QSlider*))) / kHeapCount;
+        delete container;
+        if (!made) {
+            state.SkipWithError("a slider did not bind");
+            break;
+        }
+    }
+    state.counters["bytes_per_slider"] = bytesPerSlider;
+}
+
+// One user click on a check box bound to a flag, recorded for undo or with recording switched off.
+Q_NEVER_INLINE void bench_click(QAbstractButton* box)
+{
+    box->click();
+}
+
+void BM_Click(benchmark::State& state, bool recorded)
+{
+    const QString path = QStringLiteral("/bench/click/%1").arg(int(recorded));
+    auto* flag = new values::BoolValue(false);
+    if (!values::Tree::Instance()->Add(path, flag)) {
+        delete flag;
+        state.SkipWithError("the flag could not be added to the tree");
+        return;
+    }
+    {
+        VCCheckBox box(nullptr, "flag");
+        box.SetUndoRecordingEnabled(recorded);
+        const int before = values::UndoRecorder::Instance().Count();
+        if (!box.Set_ValuePath(path)) {
+            state.SkipWithError("the check box did not bind");
+        } else {
+            for (auto _ : state)
+                bench_click(&box);
+            if (flag->GetValue() != box.isChecked())
+                state.SkipWithError("the flag did not follow the clicks");
+            else if (recorded && values::UndoRecorder::Instance().Count() <= before)
+                state.SkipWithError("the clicks were not recorded");
+        }
+    }
+    values::UndoRecorder::Instance().Clear();
+    values::Tree::Instance()->Remove(path);
 }
 
 struct Result
 {
     double cpuNs = 0.0;  // median
     double bestNs = 0.0; // fastest repetition
+    double bytesPerSlider = 0.0; // heap cases only
     std::string error;
 };
 
@@ -549,6 +782,11 @@ public:
         std::map<std::pair<std::string, std::string>, std::vector<const Run*>> iterationsByKey;
         for (const Run& run : reports) {
             const auto key = std::make_pair(run.run_name.function_name, run.run_name.args);
+            const auto bytes = run.counters.find("bytes_per_slider");
+            // Of the aggregates only the median is a heap size (the others are its spread).
+            if (bytes != run.counters.end() && !run.error_occurred
+                && (run.run_type == Run::RT_Iteration || run.aggregate_name == "median"))
+                m_results[key].bytesPerSlider = bytes->second.value;
             if (run.error_occurred) {
                 m_results[key].error = run.error_message;
             } else if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
@@ -612,8 +850,8 @@ void printSetup()
     std::printf("  machine: %d usable CPUs (nproc), %s\n", usableCpus(), cpuModel().c_str());
     std::printf("  Qt %s (built against %s), platform %s, build type %s\n", qVersion(), QT_VERSION_STR,
                 qPrintable(QGuiApplication::platformName()), VANDREL_BENCH_BUILD_TYPE);
-    std::printf("  tree: %d values, paths /bench/groupG/valueV with G < %d and V < %d\n", kGroups * kValuesPerGroup,
-                kGroups, kValuesPerGroup);
+    std::printf("  tree: paths /bench/groupG/valueV with V < %d, as many as each find case asks for\n",
+                kValuesPerGroup);
     std::printf("  writes: every slider has the range %d..%d; each iteration moves all of them between %d and %d\n",
                 kMinimum, kMaximum, kLow, kHigh);
     std::printf("  the sliders are created but never shown: the figures are the cost of getting a value into\n"
@@ -634,16 +872,57 @@ bool usable(const Result* result)
 void printSummary(const CollectingReporter& reporter)
 {
     std::printf("\nSummary: CPU time per operation, median and fastest of the repetitions\n\n");
-    std::printf("Tree::Find among %d values:\n", kGroups * kValuesPerGroup);
-    for (const char* name : {kFindHit, kFindMiss}) {
-        const Result* result = reporter.Find(name, -1);
-        if (!result)
-            continue;
-        if (!result->error.empty())
-            std::printf("  %-10s  FAILED: %s\n", name, result->error.c_str());
-        else
-            std::printf("  %-10s  %8.1f ns per lookup (fastest %.1f)\n", name, result->cpuNs, result->bestNs);
+    std::printf("Tree::Find (ns per lookup, median; fastest):\n");
+    for (const int count : kFindSizes) {
+        for (const char* name : {kFindHit, kFindMiss}) {
+            const Result* result = reporter.Find(name, count);
+            if (!result)
+                continue;
+            if (!result->error.empty())
+                std::printf("  %-10s %8d values  FAILED: %s\n", name, count, result->error.c_str());
+            else
+                std::printf("  %-10s %8d values %8.1f ns (fastest %.1f)\n", name, count, result->cpuNs, result->bestNs);
+        }
     }
+
+    std::printf("\nN sliders on one value, made and linked, or deleted (ratios: to the hand-wired floor):\n\n");
+    std::printf("  %-36s %6s %12s %11s %9s %9s\n", "case", "N", "ns/all", "ns/slider", "median x", "fastest x");
+    for (const int count : kManySizes) {
+        for (const auto& pair : {std::make_pair(kCreateFloor, kCreateBound), std::make_pair(kDestroyFloor, kDestroyBound)}) {
+            const Result* floor = reporter.Find(pair.first, count);
+            for (const char* name : {pair.first, pair.second}) {
+                const Result* result = reporter.Find(name, count);
+                if (!result)
+                    continue;
+                if (!result->error.empty()) {
+                    std::printf("  %-36s %6d   FAILED: %s\n", name, count, result->error.c_str());
+                    continue;
+                }
+                std::printf("  %-36s %6d %12.0f %11.1f", name, count, result->cpuNs, result->cpuNs / count);
+                if (usable(floor) && floor->bestNs > 0.0)
+                    std::printf(" %8.2fx %8.2fx\n", result->cpuNs / floor->cpuNs, result->bestNs / floor->bestNs);
+                else
+                    std::printf(" %9s %9s\n", "-", "-");
+            }
+        }
+    }
+
+    const Result* heapBare = reporter.Find(kHeapBare, -1);
+    const Result* heapFloor = reporter.Find(kHeapFloor, -1);
+    const Result* heapBound = reporter.Find(kHeapBound, -1);
+    if (heapBare && heapFloor && heapBound) {
+        std::printf("\nHeap per slider, %d of them on one value (bytes in use, over a bare QSlider):\n", kHeapCount);
+        std::printf("  bare QSlider %.0f, hand-wired %.0f (+%.0f), VCSlider bound %.0f (+%.0f): bound %+.0f over hand-wired\n",
+                    heapBare->bytesPerSlider, heapFloor->bytesPerSlider, heapFloor->bytesPerSlider - heapBare->bytesPerSlider,
+                    heapBound->bytesPerSlider, heapBound->bytesPerSlider - heapBare->bytesPerSlider,
+                    heapBound->bytesPerSlider - heapFloor->bytesPerSlider);
+    }
+
+    const Result* clickOff = reporter.Find(kClickOff, -1);
+    const Result* clickRecorded = reporter.Find(kClickRecorded, -1);
+    if (usable(clickOff) && usable(clickRecorded))
+        std::printf("\nOne click on a bound check box: %.0f ns with undo off, %.0f ns recorded (%.2fx)\n", clickOff->cpuNs,
+                    clickRecorded->cpuNs, clickRecorded->cpuNs / clickOff->cpuNs);
 
     const struct
     {
@@ -772,16 +1051,25 @@ int main(int argc, char** argv)
         return 1;
 
     printSetup();
-    if (!populateTree()) {
-        std::fprintf(stderr, "could not fill the tree\n");
-        return 1;
-    }
 
     const auto withBest = [](benchmark::internal::Benchmark* b) {
         return b->ComputeStatistics("min", [](const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); });
     };
-    withBest(benchmark::RegisterBenchmark(kFindHit, BM_Find, true));
-    withBest(benchmark::RegisterBenchmark(kFindMiss, BM_Find, false));
+    for (const int count : kFindSizes) {
+        withBest(benchmark::RegisterBenchmark(kFindHit, BM_Find, true)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kFindMiss, BM_Find, false)->Arg(count));
+    }
+    for (const int count : kManySizes) {
+        withBest(benchmark::RegisterBenchmark(kCreateFloor, BM_Many, Wiring::HandWired, false)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kCreateBound, BM_Many, Wiring::Bound, false)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kDestroyFloor, BM_Many, Wiring::HandWired, true)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kDestroyBound, BM_Many, Wiring::Bound, true)->Arg(count));
+    }
+    benchmark::RegisterBenchmark(kHeapBare, BM_Heap, Wiring::Bare)->Iterations(1);
+    benchmark::RegisterBenchmark(kHeapFloor, BM_Heap, Wiring::HandWired)->Iterations(1);
+    benchmark::RegisterBenchmark(kHeapBound, BM_Heap, Wiring::Bound)->Iterations(1);
+    withBest(benchmark::RegisterBenchmark(kClickOff, BM_Click, false));
+    withBest(benchmark::RegisterBenchmark(kClickRecorded, BM_Click, true));
     for (const int count : kFanOuts) {
         withBest(benchmark::RegisterBenchmark(kFloor, BM_Floor)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kBound, BM_Bound, WriteBack::Connected)->Arg(count));
