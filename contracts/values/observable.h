@@ -2,6 +2,7 @@
 
 #include <values/korthane_export.h>
 
+#include <cstddef>
 #include <vector>
 
 /**
@@ -77,9 +78,19 @@ protected:
 
 private:
     struct NotifyFrame;
+    long find(const IObserver* observer) const;
     void compact();
+    std::size_t homeSlot(const IObserver* observer) const;
+    void indexInsert(unsigned int position);
+    void indexRemove(const IObserver* observer);
+    void rebuildIndex();
 
-    std::vector<IObserver*> m_observers; // detached entries become null while a notification runs
-    NotifyFrame* m_pFrames = nullptr;    // innermost running notification of this object
-    int m_nDetachedDuringNotify = 0;
+    // In attach order; a detached entry becomes null and stays until the list is compacted, which
+    // never happens while a notification walks it.
+    std::vector<IObserver*> m_observers;
+    // Above a few observers, an open-addressing table of positions in m_observers (linear probing,
+    // at most half full), so that attaching and detaching stay cheap with thousands of observers.
+    std::vector<unsigned int> m_index;
+    NotifyFrame* m_pFrames = nullptr; // innermost running notification of this object
+    int m_nHoles = 0;                 // null entries in m_observers
 };

@@ -1,6 +1,7 @@
 #include <values/observable.h>
 
 #include <algorithm>
+#include <cstdint>
 
 IObserver::~IObserver() = default;
 
@@ -20,37 +21,115 @@ Observable::~Observable()
         frame->destroyed = true;
 }
 
+namespace {
+// Below this many entries a linear search is as quick as the table and costs no memory.
+constexpr size_t kIndexFrom = 32;
+constexpr unsigned int kEmptySlot = ~0u;
+} // namespace
+
+size_t Observable::homeSlot(const IObserver* observer) const
+{
+    // Fibonacci hashing of the address; its low bits are alignment and carry nothing.
+    const auto bits = std::uint64_t(reinterpret_cast<std::uintptr_t>(observer)) * 0x9E3779B97F4A7C15ull;
+    return size_t(bits >> 32) & (m_index.size() - 1);
+}
+
+long Observable::find(const IObserver* observer) const
+{
+    if (m_index.empty()) {
+        const auto it = std::find(m_observers.begin(), m_observers.end(), observer);
+        return it == m_observers.end() ? -1 : long(it - m_observers.begin());
+    }
+    const size_t mask = m_index.size() - 1;
+    for (size_t slot = homeSlot(observer); m_index[slot] != kEmptySlot; slot = (slot + 1) & mask) {
+        if (m_observers[m_index[slot]] == observer)
+            return long(m_index[slot]);
+    }
+    return -1;
+}
+
+void Observable::indexInsert(unsigned int position)
+{
+    const size_t mask = m_index.size() - 1;
+    size_t slot = homeSlot(m_observers[position]);
+    while (m_index[slot] != kEmptySlot)
+        slot = (slot + 1) & mask;
+    m_index[slot] = position;
+}
+
+void Observable::indexRemove(const IObserver* observer)
+{
+    // Backward-shift deletion: entries after the freed slot that would no longer be reached from
+    // their home slot move into it, so that no tombstones accumulate.
+    const size_t mask = m_index.size() - 1;
+    size_t hole = homeSlot(observer);
+    while (m_observers[m_index[hole]] != observer)
+        hole = (hole + 1) & mask;
+    for (size_t next = (hole + 1) & mask; m_index[next] != kEmptySlot; next = (next + 1) & mask) {
+        const size_t home = homeSlot(m_observers[m_index[next]]);
+        const bool reachable = hole <= next ? (home > hole && home <= next) : (home > hole || home <= next);
+        if (!reachable) {
+            m_index[hole] = m_index[next];
+            hole = next;
+        }
+    }
+    m_index[hole] = kEmptySlot;
+}
+
+void Observable::rebuildIndex()
+{
+    const size_t live = m_observers.size() - size_t(m_nHoles);
+    if (live < kIndexFrom) {
+        std::vector<unsigned int>().swap(m_index);
+        return;
+    }
+    size_t slots = 64;
+    while (slots < 4 * live)
+        slots *= 2;
+    m_index.assign(slots, kEmptySlot);
+    for (size_t i = 0; i < m_observers.size(); ++i) {
+        if (m_observers[i])
+            indexInsert(unsigned(i));
+    }
+}
+
 void Observable::Attach(IObserver* observer)
 {
-    if (!observer || IsAttached(observer))
+    if (!observer || find(observer) >= 0)
         return;
     m_observers.push_back(observer);
+    const size_t live = m_observers.size() - size_t(m_nHoles);
+    if (2 * live > m_index.size())
+        rebuildIndex(); // past the threshold, or the table half full
+    else
+        indexInsert(unsigned(m_observers.size() - 1));
 }
 
 void Observable::Detach(IObserver* observer)
 {
     if (!observer)
         return;
-    const auto it = std::find(m_observers.begin(), m_observers.end(), observer);
-    if (it == m_observers.end())
+    const long position = find(observer);
+    if (position < 0)
         return;
-    if (m_pFrames) {
-        // A notification is walking the list by index: leave a hole and compact afterwards.
-        *it = nullptr;
-        ++m_nDetachedDuringNotify;
-    } else {
-        m_observers.erase(it);
-    }
+    if (!m_index.empty())
+        indexRemove(observer);
+    // Leave a hole: a notification may be walking the list by index, and moving the rest up on every
+    // detach would make detaching thousands of observers quadratic.
+    m_observers[size_t(position)] = nullptr;
+    ++m_nHoles;
+    if (!m_pFrames && 2 * size_t(m_nHoles) > m_observers.size())
+        compact();
 }
 
 bool Observable::IsAttached(const IObserver* observer) const
 {
-    return observer && std::find(m_observers.begin(), m_observers.end(), observer) != m_observers.end();
+    return observer && find(observer) >= 0;
 }
 
 int Observable::ObserverCount() const
 {
-    return int(m_observers.size()) - m_nDetachedDuringNotify;
+    return int(m_observers.size()) - m_nHoles;
 }
 
 bool Observable::NotifyObservers(TChangeCode code, const IObserver* originator)
@@ -70,7 +149,7 @@ bool Observable::NotifyObservers(TChangeCode code, const IObserver* originator)
             return false; // this object is gone: touch nothing
     }
     m_pFrames = frame.outer;
-    if (!m_pFrames && m_nDetachedDuringNotify)
+    if (!m_pFrames && 2 * size_t(m_nHoles) > m_observers.size())
         compact();
     return true;
 }
@@ -78,5 +157,7 @@ bool Observable::NotifyObservers(TChangeCode code, const IObserver* originator)
 void Observable::compact()
 {
     m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), nullptr), m_observers.end());
-    m_nDetachedDuringNotify = 0;
+    m_nHoles = 0;
+    if (!m_index.empty())
+        rebuildIndex(); // the positions moved
 }

@@ -4,7 +4,11 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <algorithm>
 #include <functional>
+#include <memory>
+#include <random>
+#include <utility>
 #include <new>
 
 // Counts heap allocations so that the test can prove a notification allocates nothing.
@@ -140,6 +144,83 @@ private Q_SLOTS:
         log.clear();
         value.SetValue(2, nullptr);
         QCOMPARE(names(log), QStringLiteral("c late"));
+    }
+
+    // Hundreds of observers attached, detached and attached again in a scrambled order, also from
+    // inside a notification: the value must tell exactly the attached ones, in attach order.
+    void manyObserversFollowAttachOrderThroughChurn()
+    {
+        QVector<Call> log;
+        std::vector<std::unique_ptr<Recorder>> pool;
+        for (int i = 0; i < 400; ++i)
+            pool.push_back(std::make_unique<Recorder>(qPrintable(QString::number(i)), &log));
+        values::IntValue value(0);
+        std::vector<Recorder*> expected; // the model: attached observers in attach order
+        const auto attach = [&](Recorder* r) {
+            value.Attach(r);
+            if (std::find(expected.begin(), expected.end(), r) == expected.end())
+                expected.push_back(r);
+        };
+        const auto detach = [&](Recorder* r) {
+            value.Detach(r);
+            expected.erase(std::remove(expected.begin(), expected.end(), r), expected.end());
+        };
+        const auto expectedNames = [&](const std::vector<Recorder*>& order) {
+            QStringList out;
+            for (Recorder* r : order)
+                out << QString::number(int(std::find_if(pool.begin(), pool.end(), [r](const std::unique_ptr<Recorder>& p) {
+                                               return p.get() == r;
+                                           }) - pool.begin()));
+            return out.join(QLatin1Char(' '));
+        };
+
+        std::mt19937 random(7);
+        for (int round = 0; round < 40; ++round) {
+            for (int op = 0; op < 150; ++op) {
+                Recorder* r = pool[random() % pool.size()].get();
+                if (random() % 3)
+                    attach(r);
+                else
+                    detach(r);
+            }
+            QCOMPARE(value.ObserverCount(), int(expected.size()));
+            QCOMPARE(value.IsAttached(pool[round].get()),
+                     std::find(expected.begin(), expected.end(), pool[round].get()) != expected.end());
+            log.clear();
+            value.SetValue(round + 1, nullptr);
+            QCOMPARE(names(log), expectedNames(expected));
+        }
+
+        // One observer in the middle detaches every other later one and attaches some anew: the
+        // detached ones are skipped at once, the new ones wait for the next notification.
+        QVERIFY(expected.size() > 20);
+        Recorder* middle = expected[expected.size() / 2];
+        std::vector<Recorder*> toldNow(expected.begin(), expected.begin() + expected.size() / 2 + 1);
+        std::vector<Recorder*> dropped;
+        for (size_t i = expected.size() / 2 + 1; i < expected.size(); ++i)
+            (i % 2 ? dropped : toldNow).push_back(expected[i]);
+        bool churned = false;
+        middle->onUpdate = [&](Observable*, TChangeCode) {
+            if (std::exchange(churned, true))
+                return;
+            for (Recorder* r : dropped)
+                detach(r);
+            for (Recorder* r : std::vector<Recorder*>(dropped.begin(), dropped.begin() + dropped.size() / 2))
+                attach(r);
+        };
+        log.clear();
+        value.SetValue(1000, nullptr);
+        QCOMPARE(names(log), expectedNames(toldNow));
+        log.clear();
+        value.SetValue(1001, nullptr);
+        QCOMPARE(names(log), expectedNames(expected));
+        QCOMPARE(value.ObserverCount(), int(expected.size()));
+        for (Recorder* r : std::vector<Recorder*>(expected))
+            detach(r);
+        QCOMPARE(value.ObserverCount(), 0);
+        log.clear();
+        value.SetValue(1002, nullptr);
+        QVERIFY(log.isEmpty());
     }
 
     void observerWritingDuringNotify()
