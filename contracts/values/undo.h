@@ -114,7 +114,8 @@ private:
     struct Recording
     {
         std::vector<Step> steps;
-        QString description;
+        mutable QString description; // made from the first step when first read, unless given
+        QString firstPath;           // the first step's path when the edit ended
         QStringList paths;
     };
     void changed();

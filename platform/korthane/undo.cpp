@@ -59,8 +59,10 @@ void UndoRecorder::EndSpan()
     }
     Recording recording = std::move(m_open);
     m_open = Recording();
-    if (recording.description.isEmpty())
-        recording.description = describe(recording);
+    // The text of an undescribed edit is made when someone reads it, most never are; the path is
+    // kept as it is now, since the value may move or go before then.
+    if (recording.description.isEmpty() && recording.steps.front().value)
+        recording.firstPath = recording.steps.front().value->GetPathName();
     m_recordings.push_back(std::move(recording));
     while (int(m_recordings.size()) > m_nLimit)
         m_recordings.pop_front();
@@ -97,7 +99,7 @@ void UndoRecorder::Record(ValueBase* value, Command* redo, Command* undo, const 
 QString UndoRecorder::describe(const Recording& recording)
 {
     const Step& first = recording.steps.front();
-    QString path = first.value ? first.value->GetPathName() : QString();
+    QString path = recording.firstPath;
     if (path.isEmpty())
         path = QStringLiteral("(value)");
     QString text = QStringLiteral("%1: %2 \u2192 %3").arg(path, first.textBefore, first.textAfter);
@@ -117,7 +119,7 @@ std::list<QString> UndoRecorder::Descriptions(const QString& basePath) const
     std::list<QString> list;
     for (auto it = m_recordings.rbegin(); it != m_recordings.rend(); ++it) {
         if (touches(*it, basePath))
-            list.push_back(it->description);
+            list.push_back(it->description.isEmpty() ? (it->description = describe(*it)) : it->description);
     }
     return list;
 }
