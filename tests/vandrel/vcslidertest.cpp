@@ -44,6 +44,23 @@ private Q_SLOTS:
         QCOMPARE(bar.value(), 0);
     }
 
+    // The slider writes back through a connection named by its textual signatures: code that cuts
+    // it by those names must find it, and the slider then leaves the number alone.
+    void writeBackConnectionHasItsTextualNames()
+    {
+        auto* number = addNumber(QStringLiteral("/n"), 4.0, 0.0, 10.0);
+        VCSlider slider(nullptr, "n");
+        QVERIFY(slider.SetNumeric_ValuePath(QStringLiteral("/n")));
+        slider.setValue(6);
+        QCOMPARE(number->GetValue(), 6.0);
+        QVERIFY(QObject::disconnect(&slider, SIGNAL(valueChanged(int)), &slider, SLOT(InternalValueChanged(int))));
+        slider.setValue(7);
+        QCOMPARE(number->GetValue(), 6.0);
+        QVERIFY(QObject::connect(&slider, SIGNAL(valueChanged(int)), &slider, SLOT(InternalValueChanged(int))));
+        slider.setValue(8);
+        QCOMPARE(number->GetValue(), 8.0);
+    }
+
     void conversions_data()
     {
         QTest::addColumn<double>("minimum");
