@@ -110,13 +110,13 @@ private:
         std::unique_ptr<Command> undo;
         QString textBefore;
         QString textAfter;
+        QString path; // the value's path at its first write in the span
     };
     struct Recording
     {
         std::vector<Step> steps;
         mutable QString description; // made from the first step when first read, unless given
-        QString firstPath;           // the first step's path when the edit ended
-        QStringList paths;
+        QStringList formerPaths;     // paths of steps dropped as their values went during the span
     };
     void changed();
     static QString describe(const Recording& recording);

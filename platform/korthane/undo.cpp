@@ -59,10 +59,7 @@ void UndoRecorder::EndSpan()
     }
     Recording recording = std::move(m_open);
     m_open = Recording();
-    // The text of an undescribed edit is made when someone reads it, most never are; the path is
-    // kept as it is now, since the value may move or go before then.
-    if (recording.description.isEmpty() && recording.steps.front().value)
-        recording.firstPath = recording.steps.front().value->GetPathName();
+    // The text of an undescribed edit is made when someone reads it; most never are.
     m_recordings.push_back(std::move(recording));
     while (int(m_recordings.size()) > m_nLimit)
         m_recordings.pop_front();
@@ -92,14 +89,13 @@ void UndoRecorder::Record(ValueBase* value, Command* redo, Command* undo, const 
             it->undo = std::move(undoOwner);
         return;
     }
-    m_open.steps.push_back(Step{value, std::move(redoOwner), std::move(undoOwner), textBefore, after});
-    m_open.paths << value->GetPathName();
+    m_open.steps.push_back(Step{value, std::move(redoOwner), std::move(undoOwner), textBefore, after, value->GetPathName()});
 }
 
 QString UndoRecorder::describe(const Recording& recording)
 {
     const Step& first = recording.steps.front();
-    QString path = recording.firstPath;
+    QString path = first.path;
     if (path.isEmpty())
         path = QStringLiteral("(value)");
     QString text = QStringLiteral("%1: %2 \u2192 %3").arg(path, first.textBefore, first.textAfter);
@@ -110,7 +106,9 @@ QString UndoRecorder::describe(const Recording& recording)
 
 bool UndoRecorder::touches(const Recording& recording, const QString& basePath) const
 {
-    return std::any_of(recording.paths.begin(), recording.paths.end(),
+    return std::any_of(recording.steps.begin(), recording.steps.end(),
+                       [&basePath](const Step& step) { return Tree::IsOnOrUnder(step.path, basePath); })
+        || std::any_of(recording.formerPaths.begin(), recording.formerPaths.end(),
                        [&basePath](const QString& path) { return Tree::IsOnOrUnder(path, basePath); });
 }
 
@@ -187,6 +185,10 @@ void UndoRecorder::ForgetValue(const ValueBase* value)
                     step.value = nullptr;
             }
         }
+    }
+    for (const Step& step : m_open.steps) {
+        if (step.value == value)
+            m_open.formerPaths << step.path; // the edit still counts as one under that path
     }
     m_open.steps.erase(std::remove_if(m_open.steps.begin(), m_open.steps.end(), [value](const Step& s) { return s.value == value; }),
                        m_open.steps.end());

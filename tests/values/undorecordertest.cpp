@@ -188,6 +188,28 @@ private Q_SLOTS:
         QCOMPARE(listener.calls, 1);
     }
 
+    // An edit whose span wrote a value that went before the span closed keeps the other writes, and
+    // still counts under the path of the value that went.
+    void valueGoneDuringItsSpan()
+    {
+        auto* a = new values::IntValue(0);
+        auto* b = new values::IntValue(0);
+        QVERIFY(tree().Add(QStringLiteral("/g/a"), a));
+        QVERIFY(tree().Add(QStringLiteral("/g/b"), b));
+        UndoRecordingControlBase control;
+        userEdit(control, [&] {
+            a->SetValue(1, nullptr);
+            b->SetValue(2, nullptr);
+            QVERIFY(tree().Remove(QStringLiteral("/g/a")));
+        });
+        values::UndoRecordingsToValueClient underA(QStringLiteral("/g/a"));
+        values::UndoRecordingsToValueClient underB(QStringLiteral("/g/b"));
+        QCOMPARE(descriptions(underB), QStringList{"/g/b: 0 → 2"});
+        QCOMPARE(descriptions(underA), QStringList{"/g/b: 0 → 2"});
+        QVERIFY(values::UndoRecorder::Instance().Undo(QStringLiteral("/g/a"), 1));
+        QCOMPARE(b->GetValue(), 0);
+    }
+
     void undoSurvivesObserverThatRemovesAValue()
     {
         auto* a = new values::IntValue(0);
