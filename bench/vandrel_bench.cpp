@@ -80,6 +80,9 @@ const char* const kCreateFloor = "create/floor-qslider-hand-wired";
 const char* const kCreateBound = "create/vcslider-bound";
 const char* const kDestroyFloor = "destroy/floor-qslider-hand-wired";
 const char* const kDestroyBound = "destroy/vcslider-bound";
+const char* const kCreateMapper = "create/qdatawidgetmapper";
+const char* const kDestroyMapper = "destroy/qdatawidgetmapper";
+const char* const kHeapMapper = "heap/qdatawidgetmapper";
 const int kHeapCount = 2000;
 const char* const kHeapBare = "heap/qslider-bare";
 const char* const kHeapFloor = "heap/floor-qslider-hand-wired";
@@ -563,7 +566,11 @@ private:
     int m_nValue = kLow;
 };
 
-enum class Wiring { Bare, HandWired, Bound };
+enum class Wiring { Bare, HandWired, Bound, Mapper };
+
+// The mapper that Wiring::Mapper adds each slider to (one for all, on one cell, property "value": the
+// mapper's cheapest form); made by the case around the sliders.
+QDataWidgetMapper* g_pMapper = nullptr;
 
 // One slider as each case makes it: a name, a tool-tip, the range and the number, and a link both ways.
 Q_NEVER_INLINE QSlider* bench_makeSlider(Wiring wiring, QWidget* parent, NumberModel* model, const QString& path)
@@ -577,6 +584,10 @@ Q_NEVER_INLINE QSlider* bench_makeSlider(Wiring wiring, QWidget* parent, NumberM
     slider->setObjectName(QStringLiteral("level"));
     slider->setToolTip(QStringLiteral("Level"));
     slider->setRange(kMinimum, kMaximum);
+    if (wiring == Wiring::Mapper) {
+        g_pMapper->addMapping(slider, 0, "value");
+        return slider;
+    }
     slider->setValue(model->value());
     if (wiring == Wiring::HandWired) {
         QObject::connect(model, &NumberModel::valueChanged, slider, &QSlider::setValue);
@@ -622,7 +633,19 @@ bool makeSliders(Wiring wiring, int count, QWidget* container, NumberModel* mode
             return false;
         sliders.push_back(slider);
     }
+    if (wiring == Wiring::Mapper)
+        g_pMapper->toFirst(); // the mapper's fill of every slider from the model
     return true;
+}
+
+// A mapper on \a cells, child of \a container, for the sliders made next; null for other wirings.
+QDataWidgetMapper* startMapper(Wiring wiring, QWidget* container, QStandardItemModel* cells)
+{
+    if (wiring != Wiring::Mapper)
+        return nullptr;
+    g_pMapper = new QDataWidgetMapper(container);
+    g_pMapper->setModel(cells);
+    return g_pMapper;
 }
 
 Q_NEVER_INLINE void bench_destroy(QWidget* container)
@@ -641,18 +664,22 @@ void BM_Many(benchmark::State& state, Wiring wiring, bool destroy)
         return;
     }
     NumberModel model;
+    QStandardItemModel cells(1, 1);
+    cells.setData(cells.index(0, 0), kLow);
     std::vector<QSlider*> sliders;
     for (auto _ : state) {
         if (destroy)
             state.PauseTiming();
         auto* container = new QWidget;
+        startMapper(wiring, container, &cells);
         const bool made = makeSliders(wiring, count, container, &model, shared.path(), sliders);
         if (!destroy)
             state.PauseTiming();
         // Handled as an event loop would before anyone deletes them: a widget with events still
         // queued makes Qt search the whole queue as it goes, which would dwarf everything else.
         QCoreApplication::sendPostedEvents();
-        const bool linked = made && (wiring != Wiring::Bound || shared.number()->ObserverCount() == count);
+        const bool linked = made
+            && (wiring == Wiring::Bound ? shared.number()->ObserverCount() == count : sliders.back()->value() == kLow);
         if (!destroy)
             delete container;
         else
@@ -684,10 +711,13 @@ void BM_Heap(benchmark::State& state, Wiring wiring)
 {
     SharedNumber shared(QStringLiteral("/bench/heap/%1").arg(int(wiring)));
     NumberModel model;
+    QStandardItemModel cells(1, 1);
+    cells.setData(cells.index(0, 0), kLow);
     std::vector<QSlider*> sliders;
     double bytesPerSlider = 0.0;
     for (auto _ : state) {
         auto* container = new QWidget;
+        startMapper(wiring, container, &cells);
         // One slider first, so that once-only allocations (meta-object caches, a connection list
         // of the model) do not count.
         bench_makeSlider(wiring, container, &model, shared.path());
@@ -891,9 +921,10 @@ void printSummary(const CollectingReporter& reporter)
     std::printf("\nN sliders on one value, made and linked, or deleted (ratios: to the hand-wired floor):\n\n");
     std::printf("  %-36s %6s %12s %11s %9s %9s\n", "case", "N", "ns/all", "ns/slider", "median x", "fastest x");
     for (const int count : kManySizes) {
-        for (const auto& pair : {std::make_pair(kCreateFloor, kCreateBound), std::make_pair(kDestroyFloor, kDestroyBound)}) {
-            const Result* floor = reporter.Find(pair.first, count);
-            for (const char* name : {pair.first, pair.second}) {
+        for (const auto& three : {std::vector<const char*>{kCreateFloor, kCreateBound, kCreateMapper},
+                                  std::vector<const char*>{kDestroyFloor, kDestroyBound, kDestroyMapper}}) {
+            const Result* floor = reporter.Find(three[0], count);
+            for (const char* name : three) {
                 const Result* result = reporter.Find(name, count);
                 if (!result)
                     continue;
@@ -913,12 +944,16 @@ void printSummary(const CollectingReporter& reporter)
     const Result* heapBare = reporter.Find(kHeapBare, -1);
     const Result* heapFloor = reporter.Find(kHeapFloor, -1);
     const Result* heapBound = reporter.Find(kHeapBound, -1);
+    const Result* heapMapper = reporter.Find(kHeapMapper, -1);
     if (heapBare && heapFloor && heapBound) {
         std::printf("\nHeap per slider, %d of them on one value (bytes in use, over a bare QSlider):\n", kHeapCount);
         std::printf("  bare QSlider %.0f, hand-wired %.0f (+%.0f), VCSlider bound %.0f (+%.0f): bound %+.0f over hand-wired\n",
                     heapBare->bytesPerSlider, heapFloor->bytesPerSlider, heapFloor->bytesPerSlider - heapBare->bytesPerSlider,
                     heapBound->bytesPerSlider, heapBound->bytesPerSlider - heapBare->bytesPerSlider,
                     heapBound->bytesPerSlider - heapFloor->bytesPerSlider);
+        if (heapMapper)
+            std::printf("  QDataWidgetMapper, one for all, %.0f (+%.0f)\n", heapMapper->bytesPerSlider,
+                        heapMapper->bytesPerSlider - heapBare->bytesPerSlider);
     }
 
     const Result* clickOff = reporter.Find(kClickOff, -1);
@@ -1067,10 +1102,13 @@ int main(int argc, char** argv)
         withBest(benchmark::RegisterBenchmark(kCreateBound, BM_Many, Wiring::Bound, false)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kDestroyFloor, BM_Many, Wiring::HandWired, true)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kDestroyBound, BM_Many, Wiring::Bound, true)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kCreateMapper, BM_Many, Wiring::Mapper, false)->Arg(count));
+        withBest(benchmark::RegisterBenchmark(kDestroyMapper, BM_Many, Wiring::Mapper, true)->Arg(count));
     }
     benchmark::RegisterBenchmark(kHeapBare, BM_Heap, Wiring::Bare)->Iterations(1);
     benchmark::RegisterBenchmark(kHeapFloor, BM_Heap, Wiring::HandWired)->Iterations(1);
     benchmark::RegisterBenchmark(kHeapBound, BM_Heap, Wiring::Bound)->Iterations(1);
+    benchmark::RegisterBenchmark(kHeapMapper, BM_Heap, Wiring::Mapper)->Iterations(1);
     withBest(benchmark::RegisterBenchmark(kClickOff, BM_Click, false));
     withBest(benchmark::RegisterBenchmark(kClickRecorded, BM_Click, true));
     for (const int count : kFanOuts) {

@@ -66,7 +66,8 @@ VCButton::VCButton(QWidget* parent, const QString& name, bool noButton)
     setObjectName(name);
     setAutoRaise(true);
     setFocusPolicy(Qt::StrongFocus);
-    connect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
+    static const NamedLink link(QToolButton::staticMetaObject, "clicked()", staticMetaObject, "slotButtonPressed()");
+    link.Connect(this, this);
     setFixedSize(24, 24);
     if (!name.isEmpty())
         setToolTip(name);

@@ -17,8 +17,9 @@ VCCheckBox::VCCheckBox(QWidget* parent, const char* name)
     setToolTip(strName);
     setText(strName);
     setObjectName(strName);
-    setEnabled(false);
-    connect(this, SIGNAL(clicked()), this, SLOT(slotInternalChange()));
+    StartDisabled(this);
+    static const NamedLink link(QCheckBox::staticMetaObject, "clicked()", staticMetaObject, "slotInternalChange()");
+    link.Connect(this, this);
 }
 
 VCCheckBox::~VCCheckBox()

@@ -92,7 +92,8 @@ VCLabel::VCLabel(QWidget* parent, const char* name, unsigned int lineMode)
     setObjectName(strName);
     setFixedHeight(m_nHeight);
     setToolTip(strName);
-    connect(&Plinthor::Instance(), SIGNAL(signalColorsChanged()), this, SLOT(slotAcceptColorChanges()));
+    static const NamedLink link(Plinthor::staticMetaObject, "signalColorsChanged()", staticMetaObject, "slotAcceptColorChanges()");
+    link.Connect(&Plinthor::Instance(), this);
 }
 
 VCLabel::~VCLabel()

@@ -20,8 +20,9 @@ VCScrollBar::VCScrollBar(QWidget* parent, const char* name)
     setMinimum(0);
     setMaximum(0);
     setValue(0);
-    setEnabled(false);
-    connect(this, SIGNAL(valueChanged(int)), this, SLOT(internalValueChanged(int)));
+    StartDisabled(this);
+    static const NamedLink link(QScrollBar::staticMetaObject, "valueChanged(int)", staticMetaObject, "internalValueChanged(int)");
+    link.Connect(this, this);
 }
 
 VCScrollBar::~VCScrollBar()

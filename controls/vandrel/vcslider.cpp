@@ -14,10 +14,11 @@ VCSlider::VCSlider(QWidget* parent, const char* name)
 {
     if (name)
         setObjectName(QString::fromUtf8(name));
-    setEnabled(false);
+    StartDisabled(this);
     setMinimum(0);
     setMaximum(1);
-    connect(this, SIGNAL(valueChanged(int)), this, SLOT(InternalValueChanged(int)));
+    static const NamedLink link(QSlider::staticMetaObject, "valueChanged(int)", staticMetaObject, "InternalValueChanged(int)");
+    link.Connect(this, this);
 }
 
 VCSlider::~VCSlider()

@@ -14,6 +14,9 @@
 #include <brevanbase/brevanbase.h>
 #include <values/values.h>
 
+#include <QByteArray>
+#include <QMetaObject>
+#include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -84,18 +87,23 @@ void SyncObserver(T* value, IObserver* observer)
 {
     if (!value || !observer)
         return;
+    // What the static type tells costs no cast: a bound control makes this call once per value it
+    // binds, thousands of times in a large panel.
     Observable* observable = ObservableOf(value);
-    if (auto* numeric = dynamic_cast<values::IValueNumeric*>(observable)) {
-        values::ValueBase* base = numeric->GetValueBase();
-        if (!base)
-            return;
-        observable = base;
+    if constexpr (std::is_base_of<values::IValueNumeric, T>::value) {
+        observable = value->GetValueBase();
+    } else if constexpr (!std::is_base_of<values::ValueBase, T>::value) {
+        if (auto* numeric = dynamic_cast<values::IValueNumeric*>(observable))
+            observable = numeric->GetValueBase();
     }
     if (!observable)
         return;
+    bool selection = std::is_base_of<values::ValueSelection, T>::value;
+    if constexpr (!std::is_base_of<values::ValueSelection, T>::value && !std::is_base_of<values::IValueNumeric, T>::value)
+        selection = dynamic_cast<values::ValueSelection*>(observable) != nullptr;
     observer->Update(observable, StateChanged);
     observer->Update(observable, RangeChanged);
-    if (dynamic_cast<values::ValueSelection*>(observable))
+    if (selection)
         observer->Update(observable, ItemsChanged);
     observer->Update(observable, ValueChanged);
 }
@@ -193,6 +201,54 @@ bool ForgetDestroyedValue(T*& value, Observable* source)
     value = nullptr;
     return true;
 }
+
+/**
+ * \brief Disables \a control as setEnabled(false) does, for a control in its constructor that has no
+ * children yet.
+ *
+ * Nobody has seen the control, so there is nobody to tell: the EnabledChange event and the
+ * accessibility update it makes (most of what a bound slider costs beyond a plain one) are left out.
+ * isEnabled() and a later setEnabled(true) behave exactly as after setEnabled(false).
+ */
+inline void StartDisabled(QWidget* control)
+{
+    control->setAttribute(Qt::WA_ForceDisabled);
+    control->setAttribute(Qt::WA_Disabled);
+}
+
+/**
+ * \brief A control's link of one of its signals to one of its slots, named as a textual connect
+ * names them, with the names looked up once.
+ *
+ * connect(sender, SIGNAL(signal), receiver, SLOT(slot)) parses and normalises both signatures on every
+ * call; a control that links itself in its constructor keeps one static NamedLink instead and makes the
+ * very same connection (found and cut by its textual names) by index:
+ * `static const NamedLink link(QSlider::staticMetaObject, "valueChanged(int)", staticMetaObject, "slot(int)");`
+ */
+class NamedLink
+{
+public:
+    NamedLink(const QMetaObject& senderClass, const char* signal, const QMetaObject& receiverClass, const char* slot)
+        : m_nSignal(senderClass.indexOfSignal(signal))
+        , m_nSlot(receiverClass.indexOfSlot(slot))
+        , m_signal(QByteArray("2") + signal)
+        , m_slot(QByteArray("1") + slot)
+    {
+    }
+    /// Connects \a sender's signal to \a receiver's slot; unknown names go the textual way, which warns.
+    QMetaObject::Connection Connect(const QObject* sender, const QObject* receiver) const
+    {
+        if (m_nSignal < 0 || m_nSlot < 0)
+            return QObject::connect(sender, m_signal.constData(), receiver, m_slot.constData());
+        return QMetaObject::connect(sender, m_nSignal, receiver, m_nSlot);
+    }
+
+private:
+    int m_nSignal;
+    int m_nSlot;
+    QByteArray m_signal;
+    QByteArray m_slot;
+};
 
 /**
  * \brief Runs \a write, a write of \a control to one of its values, and tells whether the control
