@@ -66,8 +66,7 @@ VCButton::VCButton(QWidget* parent, const QString& name, bool noButton)
     setObjectName(name);
     setAutoRaise(true);
     setFocusPolicy(Qt::StrongFocus);
-    static const NamedLink link(QToolButton::staticMetaObject, "clicked()", staticMetaObject, "slotButtonPressed()");
-    link.Connect(this, this);
+    connect(this, SIGNAL(clicked()), this, SLOT(slotButtonPressed()));
     setFixedSize(24, 24);
     if (!name.isEmpty())
         setToolTip(name);

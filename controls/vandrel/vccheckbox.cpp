@@ -18,8 +18,7 @@ VCCheckBox::VCCheckBox(QWidget* parent, const char* name)
     setText(strName);
     setObjectName(strName);
     StartDisabled(this);
-    static const NamedLink link(QCheckBox::staticMetaObject, "clicked()", staticMetaObject, "slotInternalChange()");
-    link.Connect(this, this);
+    connect(this, SIGNAL(clicked()), this, SLOT(slotInternalChange()));
 }
 
 VCCheckBox::~VCCheckBox()

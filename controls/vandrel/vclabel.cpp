@@ -92,8 +92,7 @@ VCLabel::VCLabel(QWidget* parent, const char* name, unsigned int lineMode)
     setObjectName(strName);
     setFixedHeight(m_nHeight);
     setToolTip(strName);
-    static const NamedLink link(Plinthor::staticMetaObject, "signalColorsChanged()", staticMetaObject, "slotAcceptColorChanges()");
-    link.Connect(&Plinthor::Instance(), this);
+    connect(&Plinthor::Instance(), SIGNAL(signalColorsChanged()), this, SLOT(slotAcceptColorChanges()));
 }
 
 VCLabel::~VCLabel()

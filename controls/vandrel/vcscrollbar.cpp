@@ -21,8 +21,7 @@ VCScrollBar::VCScrollBar(QWidget* parent, const char* name)
     setMaximum(0);
     setValue(0);
     StartDisabled(this);
-    static const NamedLink link(QScrollBar::staticMetaObject, "valueChanged(int)", staticMetaObject, "internalValueChanged(int)");
-    link.Connect(this, this);
+    connect(this, SIGNAL(valueChanged(int)), this, SLOT(internalValueChanged(int)));
 }
 
 VCScrollBar::~VCScrollBar()

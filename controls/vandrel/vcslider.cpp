@@ -17,8 +17,7 @@ VCSlider::VCSlider(QWidget* parent, const char* name)
     StartDisabled(this);
     setMinimum(0);
     setMaximum(1);
-    static const NamedLink link(QSlider::staticMetaObject, "valueChanged(int)", staticMetaObject, "InternalValueChanged(int)");
-    link.Connect(this, this);
+    connect(this, SIGNAL(valueChanged(int)), this, SLOT(InternalValueChanged(int)));
 }
 
 VCSlider::~VCSlider()

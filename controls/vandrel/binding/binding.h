@@ -14,9 +14,6 @@
 #include <brevanbase/brevanbase.h>
 #include <values/values.h>
 
-#include <QByteArray>
-#include <QMetaObject>
-#include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -215,40 +212,6 @@ inline void StartDisabled(QWidget* control)
     control->setAttribute(Qt::WA_ForceDisabled);
     control->setAttribute(Qt::WA_Disabled);
 }
-
-/**
- * \brief A control's link of one of its signals to one of its slots, named as a textual connect
- * names them, with the names looked up once.
- *
- * connect(sender, SIGNAL(signal), receiver, SLOT(slot)) parses and normalises both signatures on every
- * call; a control that links itself in its constructor keeps one static NamedLink instead and makes the
- * very same connection (found and cut by its textual names) by index:
- * `static const NamedLink link(QSlider::staticMetaObject, "valueChanged(int)", staticMetaObject, "slot(int)");`
- */
-class NamedLink
-{
-public:
-    NamedLink(const QMetaObject& senderClass, const char* signal, const QMetaObject& receiverClass, const char* slot)
-        : m_nSignal(senderClass.indexOfSignal(signal))
-        , m_nSlot(receiverClass.indexOfSlot(slot))
-        , m_signal(QByteArray("2") + signal)
-        , m_slot(QByteArray("1") + slot)
-    {
-    }
-    /// Connects \a sender's signal to \a receiver's slot; unknown names go the textual way, which warns.
-    QMetaObject::Connection Connect(const QObject* sender, const QObject* receiver) const
-    {
-        if (m_nSignal < 0 || m_nSlot < 0)
-            return QObject::connect(sender, m_signal.constData(), receiver, m_slot.constData());
-        return QMetaObject::connect(sender, m_nSignal, receiver, m_nSlot);
-    }
-
-private:
-    int m_nSignal;
-    int m_nSlot;
-    QByteArray m_signal;
-    QByteArray m_slot;
-};
 
 /**
  * \brief Runs \a write, a write of \a control to one of its values, and tells whether the control
