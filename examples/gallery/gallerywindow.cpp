@@ -103,7 +103,7 @@ QFrame#display { background: #18212b; border-radius: 8px; }
 QFrame#display QLabel { color: #7fe0c4; background: transparent; }
 QFrame#display QLabel:disabled { color: #46555f; }
 QFrame#display QLabel[role="caption"] { color: #6f8796; font-size: 8pt; letter-spacing: 1px; }
-QFrame#display QLabel#frequencyDisplay { font-size: 26pt; color: #b8f5e3; }
+QFrame#display QLabel#frequencyDisplay { font-size: 24pt; color: #b8f5e3; }
 )";
 
 } // namespace
@@ -351,14 +351,16 @@ QWidget* GalleryWindow::makeDisplay()
 
     VCLabel* frequency = field("frequencyDisplay", QStringLiteral("/receiver/frequency"), QStringLiteral("MHz"), 3, 0.001);
     QFont big = fixed;
-    big.setPointSize(26);
+    big.setPointSize(24);
     frequency->setFont(big);
-    frequency->SetHeight(QFontMetrics(big).height() + 4);
-    frequency->setMinimumWidth(QFontMetrics(big).horizontalAdvance(QStringLiteral("00.000 MHz")));
+    // Measured with the font the style sheet gives it, which is the one it is drawn in.
+    frequency->ensurePolished();
+    frequency->SetHeight(frequency->fontMetrics().height() + 4);
+    frequency->setMinimumWidth(frequency->fontMetrics().horizontalAdvance(QStringLiteral("00.000 MHz")) + 4);
 
     auto* grid = new QGridLayout(display);
     grid->setContentsMargins(18, 12, 18, 12);
-    grid->setHorizontalSpacing(16);
+    grid->setHorizontalSpacing(12);
     grid->setVerticalSpacing(2);
     grid->addWidget(caption(tr("Frequency")), 0, 0);
     grid->addWidget(frequency, 1, 0, 2, 1, Qt::AlignLeft | Qt::AlignVCenter);

@@ -515,7 +515,6 @@ ValueTreeView::ValueTreeView(const QString& root, QWidget* parent)
     , m_pEnable(new QPushButton(stateIcon(Enabled), tr("&Enable"), this))
     , m_pDisable(new QPushButton(stateIcon(Disabled), tr("&Disable"), this))
     , m_pRemove(new QPushButton(stateIcon(Removed), tr("&Remove"), this))
-    , m_pRestore(new QPushButton(stateIcon(Enabled), tr("Res&tore"), this))
 {
     m_pTable->setObjectName(QStringLiteral("valueTable"));
     m_pTable->setModel(m_pModel);
@@ -552,19 +551,16 @@ ValueTreeView::ValueTreeView(const QString& root, QWidget* parent)
     m_pEnable->setObjectName(QStringLiteral("enableButton"));
     m_pDisable->setObjectName(QStringLiteral("disableButton"));
     m_pRemove->setObjectName(QStringLiteral("removeButton"));
-    m_pRestore->setObjectName(QStringLiteral("restoreRowButton"));
-    m_pRestore->setToolTip(tr("Bring back the selected removed values as the instrument makes them"));
-    m_pEnable->setToolTip(tr("Enable the selected values"));
+
+    m_pEnable->setToolTip(tr("Enable the selected values; removed ones come back as the instrument makes them"));
     m_pDisable->setToolTip(tr("Disable the selected values: their controls grey out"));
     m_pRemove->setToolTip(tr("Remove the selected values from the tree: their controls let go of them"));
     connect(m_pEnable, &QPushButton::clicked, this, [this] { switchSelected(Enabled); });
     connect(m_pDisable, &QPushButton::clicked, this, [this] { switchSelected(Disabled); });
     connect(m_pRemove, &QPushButton::clicked, this, [this] { switchSelected(Removed); });
-    connect(m_pRestore, &QPushButton::clicked, this, &ValueTreeView::restoreSelected);
     m_pButtons->addWidget(m_pEnable);
     m_pButtons->addWidget(m_pDisable);
     m_pButtons->addWidget(m_pRemove);
-    m_pButtons->addWidget(m_pRestore);
     m_pButtons->addStretch(1);
 
     auto* layout = new QVBoxLayout(this);
@@ -619,10 +615,10 @@ void ValueTreeView::updateButtons()
     bool removed = false;
     for (const QModelIndex& index : rows)
         (m_pModel->isRemovedRow(index.row()) ? removed : live) = true;
-    m_pEnable->setEnabled(live);
-    m_pDisable->setEnabled(live);
+    // Enabling or disabling a removed value restores it first.
+    m_pEnable->setEnabled(live || removed);
+    m_pDisable->setEnabled(live || removed);
     m_pRemove->setEnabled(live);
-    m_pRestore->setEnabled(removed);
 }
 
 bool ValueTreeView::eventFilter(QObject* watched, QEvent* event)

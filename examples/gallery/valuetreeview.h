@@ -176,5 +176,4 @@ private:
     QPushButton* m_pEnable;
     QPushButton* m_pDisable;
     QPushButton* m_pRemove;
-    QPushButton* m_pRestore;
 };

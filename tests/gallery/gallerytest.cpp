@@ -210,6 +210,8 @@ private Q_SLOTS:
         // The undo history and the position format outlive a window; each test starts without them.
         values::UndoRecorder::Instance().Clear();
         Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
+        // A window starts in English, whatever a test before it switched to.
+        TranslationCenter::Instance().SetLocale(QStringLiteral("en"));
     }
 
     void instrumentOwnsItsBranchAndTheModelOutlivesIt()
@@ -817,9 +819,8 @@ private Q_SLOTS:
         }
         QCOMPARE(model->rowCount(), Instrument::paths().size());
         QVERIFY(find(rx("frequency")) && find(rx("mode")));
-        // On removed rows only the restore applies.
-        auto* restore = child<QPushButton>(view, "restoreRowButton");
-        QVERIFY(restore && restore->isEnabled() && !remove->isEnabled() && !disable->isEnabled());
+        // A removed row cannot be removed again; enabling it is its restore.
+        QVERIFY(!remove->isEnabled() && child<QPushButton>(view, "enableButton")->isEnabled());
     }
 
     void stateEditorCommitsTheChoice()
@@ -1415,12 +1416,27 @@ private Q_SLOTS:
         QCOMPARE(noted->text(), written);
     }
 
+    void layoutKeepsItsPlaceWithLongTexts_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("firstPage");
+        QTest::newRow("English") << QStringLiteral("en") << QStringLiteral("Sliders");
+        QTest::newRow("German") << QStringLiteral("de") << QStringLiteral("Schieberegler");
+    }
+
     void layoutKeepsItsPlaceWithLongTexts()
     {
+        QFETCH(QString, language);
+        QFETCH(QString, firstPage);
         Instrument instrument;
         GalleryWindow window(&instrument);
+        if (language != window.language()) {
+            QSignalSpy rebuilt(&window, &GalleryWindow::rebuilt);
+            window.setLanguage(language);
+            QVERIFY(rebuilt.wait());
+        }
         window.resize(GalleryWindow::minimumWindowSize());
-        QVERIFY(showPage(window, "Sliders"));
+        QVERIFY(showPage(window, firstPage.toUtf8().constData()));
         const QSize size = window.size();
         QCOMPARE(size, GalleryWindow::minimumWindowSize());
         auto* splitter = window.findChild<QSplitter*>();
@@ -1497,7 +1513,7 @@ private Q_SLOTS:
         QVERIFY(child<VCSlider>(window, "gainSlider")->isEnabled());
         // The row's own restore: the value as the instrument makes it, the rest untouched.
         window.valueTree()->table()->selectRow(row);
-        auto* restore = child<QPushButton>(window, "restoreRowButton");
+        auto* restore = child<QPushButton>(window, "enableButton");
         QVERIFY(restore && restore->isEnabled());
         QTest::mouseClick(restore, Qt::LeftButton);
         QVERIFY(!model->isRemovedRow(row));
@@ -1512,7 +1528,6 @@ private Q_SLOTS:
         QCOMPARE(textOf("volume"), QStringLiteral("41"));
         QVERIFY(setText("volume", "12"));
         QCOMPARE(bar->value(), 12);
-        QVERIFY(!restore->isEnabled());
         // Restored through the state column as Disabled, it comes back disabled.
         QVERIFY(switchTo(model, "squelch", Removed));
         QVERIFY(model->setData(model->index(model->rowOfPath(rx("squelch")), ValueTreeModel::StateColumn), int(Disabled)));

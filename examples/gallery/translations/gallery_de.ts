@@ -829,10 +829,6 @@ Aus dem Baum entfernt: Wiederherstellen holt ihn zurück, wie das Instrument ihn
         <translation>&amp;Entfernen</translation>
     </message>
     <message>
-        <source>Enable the selected values</source>
-        <translation>Die ausgewählten Werte aktivieren</translation>
-    </message>
-    <message>
         <source>Disable the selected values: their controls grey out</source>
         <translation>Die ausgewählten Werte deaktivieren: ihre Bedienelemente werden grau</translation>
     </message>
@@ -857,16 +853,12 @@ Aus dem Baum entfernt: Wiederherstellen holt ihn zurück, wie das Instrument ihn
         <translation>Pfad kopieren</translation>
     </message>
     <message>
-        <source>Res&amp;tore</source>
-        <translation>&amp;Wiederherstellen</translation>
-    </message>
-    <message>
-        <source>Bring back the selected removed values as the instrument makes them</source>
-        <translation>Die gewählten entfernten Werte so zurückholen, wie das Instrument sie anlegt</translation>
-    </message>
-    <message>
         <source>Restore as the instrument makes it</source>
         <translation>Wiederherstellen, wie das Instrument ihn anlegt</translation>
+    </message>
+    <message>
+        <source>Enable the selected values; removed ones come back as the instrument makes them</source>
+        <translation>Die ausgewählten Werte aktivieren; entfernte kommen zurück, wie das Instrument sie anlegt</translation>
     </message>
 </context>
 </TS>
