@@ -176,6 +176,17 @@ void GalleryWindow::rebuildUi()
 {
     const int page = m_pPages ? m_pPages->currentIndex() : 0;
     m_bindings.clear();
+    // The new controls of a value that is still removed grey out as the old ones did: found again by
+    // their names, which stay.
+    QHash<QString, QStringList> greyed;
+    for (auto it = m_disabledControls.cbegin(); it != m_disabledControls.cend(); ++it) {
+        for (const QPointer<QWidget>& widget : it.value()) {
+            if (widget && !widget->objectName().isEmpty())
+                greyed[it.key()] << widget->objectName();
+        }
+    }
+    m_disabledControls.clear();
+    const QStringList removed = m_pTree->model()->removedPaths();
     const QList<QToolBar*> bars = findChildren<QToolBar*>(QString(), Qt::FindDirectChildrenOnly);
     for (QToolBar* bar : bars) {
         removeToolBar(bar);
@@ -184,6 +195,18 @@ void GalleryWindow::rebuildUi()
     delete takeCentralWidget();
     setStatusBar(nullptr);
     buildUi();
+    for (const QString& path : removed)
+        m_pTree->model()->addRemovedRow(path);
+    for (auto it = greyed.cbegin(); it != greyed.cend(); ++it) {
+        for (const QString& name : it.value()) {
+            for (QWidget* widget : findChildren<QWidget*>(name)) {
+                if (widget->isEnabled()) {
+                    widget->setEnabled(false);
+                    m_disabledControls[it.key()] << widget;
+                }
+            }
+        }
+    }
     m_pPages->setCurrentIndex(page);
     Q_EMIT rebuilt();
 }

@@ -215,6 +215,29 @@ bool ValueTreeModel::isRemovedRow(int row) const
     return row >= 0 && row < int(m_rows.size()) && !m_rows[size_t(row)].value;
 }
 
+QStringList ValueTreeModel::removedPaths() const
+{
+    QStringList paths;
+    for (const Row& row : m_rows) {
+        if (!row.value)
+            paths << row.path;
+    }
+    return paths;
+}
+
+void ValueTreeModel::addRemovedRow(const QString& path)
+{
+    if (rowOfPath(path) >= 0 || values::Tree::Instance()->Find(path))
+        return;
+    const auto at = std::lower_bound(m_rows.begin(), m_rows.end(), path,
+                                     [](const Row& row, const QString& p) { return row.path < p; });
+    const int row = int(at - m_rows.begin());
+    beginInsertRows(QModelIndex(), row, row);
+    m_rows.insert(at, Row{path, nullptr, -1});
+    reindex();
+    endInsertRows();
+}
+
 bool ValueTreeModel::switchState(int row, int state)
 {
     if (row < 0 || row >= int(m_rows.size()) || (state != Enabled && state != Disabled && state != Removed))

@@ -57,6 +57,10 @@ public:
     values::ValueBase* valueAt(int row) const;
     /// True for the row of a value that was removed and not restored yet.
     bool isRemovedRow(int row) const;
+    /// The paths of the removed rows, sorted.
+    QStringList removedPaths() const;
+    /// Adds a removed row for \a path, which has no value now (a view made anew keeps the old one's rows).
+    void addRemovedRow(const QString& path);
 
     /// What brings back a removed value at a path (true when it is back); without one nothing can.
     void setRestorer(std::function<bool(const QString&)> restorer) { m_restorer = std::move(restorer); }

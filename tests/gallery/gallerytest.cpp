@@ -1511,6 +1511,16 @@ private Q_SLOTS:
         // Its controls grey out instead of writing nowhere; the others stay as they are.
         QVERIFY(!slider->isEnabled() && !bar->isEnabled());
         QVERIFY(child<VCSlider>(window, "gainSlider")->isEnabled());
+        // Made anew in another language, the window keeps the row and the greyed controls.
+        QSignalSpy rebuilt(&window, &GalleryWindow::rebuilt);
+        window.setLanguage(QStringLiteral("de"));
+        QVERIFY(rebuilt.wait());
+        model = window.valueTreeModel();
+        slider = child<VCSlider>(window, "volumeSlider");
+        bar = child<VCScrollBar>(window, "volumeScrollBar");
+        QCOMPARE(model->rowOfPath(rx("volume")), row);
+        QVERIFY(model->isRemovedRow(row));
+        QVERIFY(!slider->isEnabled() && !bar->isEnabled());
         // The row's own restore: the value as the instrument makes it, the rest untouched.
         window.valueTree()->table()->selectRow(row);
         auto* restore = child<QPushButton>(window, "enableButton");
