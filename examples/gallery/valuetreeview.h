@@ -48,7 +48,8 @@ public:
     explicit ValueTreeModel(const QString& root = QStringLiteral("/"), QObject* parent = nullptr);
     ~ValueTreeModel() override;
 
-    /// Adds a row for each value on or under the root that has none yet. Returns the number added.
+    /// Adds a row for each value on or under the root that has none yet, and gives a removed row the value
+    /// now at its path. Returns the number of rows added or taken up again.
     int rescan();
 
     /// The row of \a path, -1 when there is none.
