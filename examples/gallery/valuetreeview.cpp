@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -564,12 +565,15 @@ ValueTreeView::ValueTreeView(const QString& root, QWidget* parent)
     header->setSectionResizeMode(ValueTreeModel::ValueColumn, QHeaderView::Stretch);
     header->setSectionResizeMode(ValueTreeModel::TypeColumn, QHeaderView::Interactive);
     header->setSectionResizeMode(ValueTreeModel::StateColumn, QHeaderView::Fixed);
-    header->setMinimumSectionSize(40);
+    header->setMinimumSectionSize(32);
     QComboBox editor;
     for (int state : {int(Enabled), int(Disabled), int(Removed)})
         editor.addItem(stateIcon(state), ValueTreeModel::stateName(state));
     header->resizeSection(ValueTreeModel::StateColumn, editor.sizeHint().width() + 8);
     m_pTable->viewport()->installEventFilter(this);
+    // Room for the state and the least of the other three beside it.
+    m_pTable->setMinimumWidth(header->sectionSize(ValueTreeModel::StateColumn) + 3 * header->minimumSectionSize()
+                              + m_pTable->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 2 * m_pTable->frameWidth() + 4);
 
     m_pEnable->setObjectName(QStringLiteral("enableButton"));
     m_pDisable->setObjectName(QStringLiteral("disableButton"));
@@ -653,14 +657,17 @@ bool ValueTreeView::eventFilter(QObject* watched, QEvent* event)
 
 void ValueTreeView::fitColumns()
 {
-    // Path and type take what they need up to a share of the room left beside the state; the value
-    // stretches over the rest. Nothing scrolls sideways, so the state is always in sight.
+    // Path and type take what they need up to a share of the room left beside the state, and the value
+    // stretches over the rest, never less than the least section. Nothing scrolls sideways, so the state
+    // is always in sight.
     QHeaderView* header = m_pTable->horizontalHeader();
-    const int room = m_pTable->viewport()->width() - header->sectionSize(ValueTreeModel::StateColumn);
-    const int path = qMin(static_cast<QAbstractItemView*>(m_pTable)->sizeHintForColumn(ValueTreeModel::PathColumn), room * 50 / 100);
-    const int type = qMin(static_cast<QAbstractItemView*>(m_pTable)->sizeHintForColumn(ValueTreeModel::TypeColumn), room * 20 / 100);
-    header->resizeSection(ValueTreeModel::PathColumn, qMax(header->minimumSectionSize(), path));
-    header->resizeSection(ValueTreeModel::TypeColumn, qMax(header->minimumSectionSize(), type));
+    auto* view = static_cast<QAbstractItemView*>(m_pTable);
+    const int least = header->minimumSectionSize();
+    const int free = qMax(2 * least, m_pTable->viewport()->width() - header->sectionSize(ValueTreeModel::StateColumn) - least);
+    const int type = qBound(least, view->sizeHintForColumn(ValueTreeModel::TypeColumn), free * 25 / 100);
+    const int path = qBound(least, view->sizeHintForColumn(ValueTreeModel::PathColumn), free - type);
+    header->resizeSection(ValueTreeModel::PathColumn, qMin(path, qMax(least, free * 60 / 100)));
+    header->resizeSection(ValueTreeModel::TypeColumn, type);
 }
 
 void ValueTreeView::showContextMenu(const QPoint& pos)
