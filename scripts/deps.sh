@@ -21,7 +21,7 @@ sudo=""
 [ "$(id -u)" -eq 0 ] || sudo="sudo"
 
 packages=(cmake g++ make pkg-config extra-cmake-modules qtbase5-dev qttools5-dev qttools5-dev-tools
-          libqt5svg5-dev libgeographiclib-dev "${more[@]}" "$@")
+          libqt5svg5-dev libgeographiclib-dev fonts-dejavu-core "${more[@]}" "$@")
 
 missing=()
 for p in "${packages[@]}"; do

@@ -395,7 +395,7 @@ QWidget* GalleryWindow::makeButtonPage()
     undo->setFixedHeight(24);
     auto* history = new UndoHistory(Instrument::root(), 6, undoBox);
     history->setObjectName(QStringLiteral("undoHistory"));
-    history->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    history->setFont(GalleryWindow::fixedFont());
     undoLayout->addWidget(undo, 0, Qt::AlignTop);
     undoLayout->addWidget(history, 1);
     layout->addWidget(undoBox);

@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QStatusBar>
 #include <QVBoxLayout>
 
 namespace {
@@ -114,29 +115,6 @@ private:
     values::IValueNumeric* m_pKiloHertz = nullptr;
 };
 
-/// Stops the scan when the watched field takes the focus, so that the dial holds still while the user types.
-class ScanStopper : public QObject
-{
-public:
-    explicit ScanStopper(QWidget* field)
-        : QObject(field)
-    {
-        field->installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() == QEvent::FocusIn) {
-            values::ValueBase* found = values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active"));
-            auto* active = dynamic_cast<values::BoolValue*>(found);
-            if (active && active->GetValue())
-                active->SetValue(false, nullptr);
-        }
-        return false;
-    }
-};
-
 /// The number in kHz as the value holds it, without trailing zeros.
 QString kiloHertz(values::ValueBase& value)
 {
@@ -186,7 +164,15 @@ QWidget* GalleryWindow::makeEntryPage()
     frequency->setToolTip(tr("The tuned frequency in MHz, or in kHz with a k behind the number. Typing here "
                              "stops the scan, so that the dial holds still."));
     frequency->setFixedWidth(frequency->fontMetrics().horizontalAdvance(QStringLiteral("30.000000 MHz")) + 16);
-    new ScanStopper(frequency);
+    // Only typing stops the scan: the focus alone arrives with opening the page, and the user only
+    // looked. Once per edit, and said in the status bar, since the dial stops where it stood.
+    connect(frequency, &QLineEdit::textEdited, this, [this] {
+        auto* active = dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active")));
+        if (!active || !active->GetValue() || active->GetState() != Enabled)
+            return;
+        active->SetValue(false, nullptr);
+        statusBar()->showMessage(tr("Scan stopped: you are editing the frequency"), 5000);
+    });
     auto* hertz = new HertzView(frequency);
     bind([frequency, hertz] {
         hertz->bind(QStringLiteral("/receiver/frequency"));

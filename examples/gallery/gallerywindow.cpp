@@ -16,6 +16,7 @@
 #include <vandrel/vandrel.h>
 
 #include <QAction>
+#include <QApplication>
 #include <QActionGroup>
 #include <QEvent>
 #include <QFontDatabase>
@@ -24,9 +25,12 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
@@ -59,12 +63,47 @@ private:
     QWidget* m_pFollower;
 };
 
+/// A label of the display that keeps its place: one line, cut where it does not fit, the whole text
+/// in its tool-tip.
+class DisplayLabel : public VCLabel
+{
+public:
+    DisplayLabel(QWidget* parent, const char* name)
+        : VCLabel(parent, name, 0)
+    {
+    }
+
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override
+    {
+        const QMargins margins = contentsMargins();
+        return QSize(minimumWidth(), fontMetrics().height() + margins.top() + margins.bottom());
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override { m_oneLine.paint(this); }
+
+private:
+    OneLineText m_oneLine;
+};
+
+/// \a page in a frameless scroll area: a page taller or wider than its place scrolls instead of
+/// pushing the window's minimum size up.
+QWidget* scrolled(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setWidget(page);
+    return area;
+}
+
 const char* const kDisplayStyle = R"(
 QFrame#display { background: #18212b; border-radius: 8px; }
 QFrame#display QLabel { color: #7fe0c4; background: transparent; }
 QFrame#display QLabel:disabled { color: #46555f; }
 QFrame#display QLabel[role="caption"] { color: #6f8796; font-size: 8pt; letter-spacing: 1px; }
-QFrame#display QLabel#frequencyDisplay { font-size: 26pt; color: #b8f5e3; }
+QFrame#display QLabel#frequencyDisplay { font-size: 24pt; color: #b8f5e3; }
 )";
 
 } // namespace
@@ -73,7 +112,9 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
     : QMainWindow(parent)
     , m_pInstrument(instrument)
 {
+    useGalleryFont();
     useGalleryCatalog();
+    setMinimumSize(minimumWindowSize());
     resize(1480, 800);
     buildUi();
     connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);
@@ -98,6 +139,22 @@ void GalleryWindow::useGalleryCatalog()
     }
 }
 
+void GalleryWindow::useGalleryFont()
+{
+    // Debian's fonts-dejavu-core, which scripts/deps.sh installs: found by fontconfig both on a
+    // display and offscreen, so that a screenshot has the window's spacing.
+    QFont font(QStringLiteral("DejaVu Sans"), 9);
+    font.setStyleHint(QFont::SansSerif);
+    QApplication::setFont(font);
+}
+
+QFont GalleryWindow::fixedFont()
+{
+    QFont font(QStringLiteral("DejaVu Sans Mono"), QApplication::font().pointSize());
+    font.setStyleHint(QFont::TypeWriter);
+    return font;
+}
+
 QString GalleryWindow::language() const
 {
     return m_strLanguage;
@@ -119,6 +176,17 @@ void GalleryWindow::rebuildUi()
 {
     const int page = m_pPages ? m_pPages->currentIndex() : 0;
     m_bindings.clear();
+    // The new controls of a value that is still removed grey out as the old ones did: found again by
+    // their names, which stay.
+    QHash<QString, QStringList> greyed;
+    for (auto it = m_disabledControls.cbegin(); it != m_disabledControls.cend(); ++it) {
+        for (const QPointer<QWidget>& widget : it.value()) {
+            if (widget && !widget->objectName().isEmpty())
+                greyed[it.key()] << widget->objectName();
+        }
+    }
+    m_disabledControls.clear();
+    const QStringList removed = m_pTree->model()->removedPaths();
     const QList<QToolBar*> bars = findChildren<QToolBar*>(QString(), Qt::FindDirectChildrenOnly);
     for (QToolBar* bar : bars) {
         removeToolBar(bar);
@@ -127,6 +195,18 @@ void GalleryWindow::rebuildUi()
     delete takeCentralWidget();
     setStatusBar(nullptr);
     buildUi();
+    for (const QString& path : removed)
+        m_pTree->model()->addRemovedRow(path);
+    for (auto it = greyed.cbegin(); it != greyed.cend(); ++it) {
+        for (const QString& name : it.value()) {
+            for (QWidget* widget : findChildren<QWidget*>(name)) {
+                if (widget->isEnabled()) {
+                    widget->setEnabled(false);
+                    m_disabledControls[it.key()] << widget;
+                }
+            }
+        }
+    }
     m_pPages->setCurrentIndex(page);
     Q_EMIT rebuilt();
 }
@@ -143,14 +223,14 @@ void GalleryWindow::buildUi()
     m_pPages = new QTabWidget(left);
     m_pPages->setObjectName(QStringLiteral("pages"));
     m_pPages->setDocumentMode(true);
-    m_pPages->addTab(makeSliderPage(), tr("Sliders"));
-    m_pPages->addTab(makeButtonPage(), tr("Buttons and undo"));
-    m_pPages->addTab(makePositionPage(), tr("Station"));
-    m_pPages->addTab(makeEntryPage(), tr("Entry fields"));
-    m_pPages->addTab(makeMeasurementPage(), tr("Measurement"));
-    m_pPages->addTab(makeSelectionPage(), tr("Selections"));
+    m_pPages->addTab(scrolled(makeSliderPage()), tr("Sliders"));
+    m_pPages->addTab(scrolled(makeButtonPage()), tr("Buttons and undo"));
+    m_pPages->addTab(scrolled(makePositionPage()), tr("Station"));
+    m_pPages->addTab(scrolled(makeEntryPage()), tr("Entry fields"));
+    m_pPages->addTab(scrolled(makeMeasurementPage()), tr("Measurement"));
+    m_pPages->addTab(scrolled(makeSelectionPage()), tr("Selections"));
 #ifdef VANDREL_GALLERY_FORMS
-    m_pPages->addTab(makeFormPage(), tr("Drawn in Designer"));
+    m_pPages->addTab(scrolled(makeFormPage()), tr("Drawn in Designer"));
 #endif
     leftLayout->addWidget(m_pPages, 1);
 
@@ -159,7 +239,7 @@ void GalleryWindow::buildUi()
     splitter->addWidget(makeValueTreePane());
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({700, 780});
+    splitter->setSizes({720, 760});
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
 
@@ -172,7 +252,6 @@ void GalleryWindow::buildUi()
         if (path == QLatin1String("/receiver/scan/active"))
             followInstrument();
     });
-    connect(valueTreeModel(), &QAbstractItemModel::rowsRemoved, this, &GalleryWindow::followInstrument);
     followInstrument();
 }
 
@@ -242,7 +321,7 @@ void GalleryWindow::addControlRow(QGridLayout* grid, const QString& caption, QWi
     label->setBuddy(control);
     new EnabledFollower(control, label);
     if (auto* value = qobject_cast<QLabel*>(readout)) {
-        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setFont(GalleryWindow::fixedFont());
         value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         value->setMinimumWidth(value->fontMetrics().horizontalAdvance(QStringLiteral("00.000 MHz")) + 8);
     }
@@ -260,7 +339,7 @@ void GalleryWindow::addStackedControl(QGridLayout* grid, const QString& caption,
     new EnabledFollower(control, label);
     grid->addWidget(label, row, 0);
     if (auto* value = qobject_cast<QLabel*>(readout)) {
-        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setFont(GalleryWindow::fixedFont());
         value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         grid->addWidget(value, row, 1);
     }
@@ -275,7 +354,7 @@ QWidget* GalleryWindow::makeDisplay()
     auto* display = new QFrame(this);
     display->setObjectName(QStringLiteral("display"));
     display->setStyleSheet(QString::fromLatin1(kDisplayStyle));
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QFont fixed = GalleryWindow::fixedFont();
 
     auto caption = [display](const QString& text) {
         auto* label = new QLabel(text.toUpper(), display);
@@ -285,7 +364,7 @@ QWidget* GalleryWindow::makeDisplay()
     // A number with its unit, or the text of any other value.
     auto field = [&](const char* name, const QString& path, const QString& unit = QString(), int decimals = 0,
                      double factor = 1.0) {
-        auto* label = new VCLabel(display, name, 0);
+        auto* label = new DisplayLabel(display, name);
         label->setFont(fixed);
         label->SetSuffix(unit);
         label->SetFormat(3, decimals, factor);
@@ -295,14 +374,16 @@ QWidget* GalleryWindow::makeDisplay()
 
     VCLabel* frequency = field("frequencyDisplay", QStringLiteral("/receiver/frequency"), QStringLiteral("MHz"), 3, 0.001);
     QFont big = fixed;
-    big.setPointSize(26);
+    big.setPointSize(24);
     frequency->setFont(big);
-    frequency->SetHeight(QFontMetrics(big).height() + 4);
-    frequency->setMinimumWidth(QFontMetrics(big).horizontalAdvance(QStringLiteral("00.000 MHz")));
+    // Measured with the font the style sheet gives it, which is the one it is drawn in.
+    frequency->ensurePolished();
+    frequency->SetHeight(frequency->fontMetrics().height() + 4);
+    frequency->setMinimumWidth(frequency->fontMetrics().horizontalAdvance(QStringLiteral("00.000 MHz")) + 4);
 
     auto* grid = new QGridLayout(display);
     grid->setContentsMargins(18, 12, 18, 12);
-    grid->setHorizontalSpacing(16);
+    grid->setHorizontalSpacing(12);
     grid->setVerticalSpacing(2);
     grid->addWidget(caption(tr("Frequency")), 0, 0);
     grid->addWidget(frequency, 1, 0, 2, 1, Qt::AlignLeft | Qt::AlignVCenter);
@@ -319,13 +400,31 @@ QWidget* GalleryWindow::makeDisplay()
         status->SetColorIndex_ValuePath(QStringLiteral("/receiver/alarms/status"));
     });
     VCLabel* scan = field("scanDisplay", QStringLiteral("/receiver/scan/position"), QStringLiteral("%"));
-    const std::pair<QString, QWidget*> fields[] = {
-        {tr("Mode"), mode}, {tr("Level"), level}, {tr("Carrier"), carrier}, {tr("Status"), status}, {tr("Scan"), scan},
+    // Each column as wide as its caption or the widest text its field shows, whatever it shows now, so
+    // that no column moves when a text changes its length.
+    const struct
+    {
+        QString caption;
+        QWidget* field;
+        QString widest;
+    } fields[] = {
+        {tr("Mode"), mode, QStringLiteral("USB")},
+        {tr("Level"), level, QStringLiteral("\u2212130 dBm")},
+        {tr("Carrier"), carrier, QStringLiteral("00") + tr("open")},
+        {tr("Status"), status, QStringLiteral("00")},
+        {tr("Scan"), scan, QStringLiteral("100 %")},
     };
     int column = 1;
     for (const auto& f : fields) {
-        grid->addWidget(caption(f.first), 0, column);
-        grid->addWidget(f.second, 1, column, Qt::AlignLeft | Qt::AlignVCenter);
+        QLabel* label = caption(f.caption);
+        label->ensurePolished();
+        f.field->ensurePolished();
+        const int width = qMax(label->fontMetrics().horizontalAdvance(label->text()),
+                               f.field->fontMetrics().horizontalAdvance(f.widest) + 4);
+        f.field->setFixedWidth(width);
+        grid->setColumnMinimumWidth(column, width);
+        grid->addWidget(label, 0, column);
+        grid->addWidget(f.field, 1, column, Qt::AlignLeft | Qt::AlignVCenter);
         ++column;
     }
     grid->addWidget(caption(tr("Notes")), 2, 1, 1, 1, Qt::AlignBottom);
@@ -333,11 +432,13 @@ QWidget* GalleryWindow::makeDisplay()
     // A long note must not widen the display: it is cut at the label's edge.
     notes->setMinimumWidth(1);
     notes->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    notes->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     grid->addWidget(notes, 3, 1, 1, 2);
     grid->addWidget(caption(tr("Options")), 2, 3, 1, 1, Qt::AlignBottom);
     VCLabel* options = field("optionsDisplay", QStringLiteral("/receiver/options"));
     options->setMinimumWidth(1);
     options->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    options->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     grid->addWidget(options, 3, 3, 1, column - 3);
     grid->setColumnStretch(0, 1);
     return display;
@@ -462,7 +563,7 @@ QWidget* GalleryWindow::makeSliderPage()
         caption->setAlignment(Qt::AlignHCenter);
         new EnabledFollower(control, caption);
         ValueReadout* value = readout(path, numberIn(c.unit));
-        value->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+        value->setFont(GalleryWindow::fixedFont());
         value->setAlignment(Qt::AlignHCenter);
         column->addWidget(caption);
         column->addWidget(control, 1, Qt::AlignHCenter);
@@ -484,12 +585,10 @@ QWidget* GalleryWindow::makeValueTreePane()
                            box));
     m_pTree = new ValueTreeView(Instrument::root(), box);
     m_pTree->setObjectName(QStringLiteral("valueTree"));
-    auto* restore = new QPushButton(tr("Restore &instrument"), box);
-    restore->setObjectName(QStringLiteral("restoreButton"));
-    restore->setToolTip(tr("Bring back removed values and enable every value"));
-    connect(restore, &QPushButton::clicked, this, &GalleryWindow::restoreInstrument);
-    m_pTree->addTrailingWidget(restore);
     layout->addWidget(m_pTree, 1);
+    // A removed row stays, and its restore brings back that one value as the instrument makes it.
+    m_pTree->model()->setRestorer([this](const QString& path) { return restoreValue(path); });
+    connect(m_pTree->model(), &ValueTreeModel::aboutToRemove, this, &GalleryWindow::disableControlsOf);
 
     connect(m_pTree->model(), &ValueTreeModel::stateSwitched, this, [this](const QString& path, int state) {
         statusBar()->showMessage(tr("%1: %2").arg(path, ValueTreeModel::stateName(state)), 4000);
@@ -502,7 +601,7 @@ void GalleryWindow::makeActions()
     QToolBar* bar = addToolBar(tr("Instrument"));
     bar->setObjectName(QStringLiteral("instrumentToolBar"));
     bar->setMovable(false);
-    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
 
     m_pScan = bar->addAction(tr("Scan"));
     m_pScan->setCheckable(true);
@@ -512,20 +611,25 @@ void GalleryWindow::makeActions()
             active->SetValue(on, nullptr);
     });
 
-    m_pPause = bar->addAction(tr("Pause simulation"));
-    m_pPause->setCheckable(true);
-    m_pPause->setToolTip(tr("Hold the instrument still, so that only your edits move values"));
-    m_pPause->setChecked(!m_pInstrument->isRunning());
-    connect(m_pPause, &QAction::triggered, this, [this](bool paused) {
-        if (paused)
+    // Not checkable: the action says what it will do, and its text and icon follow the simulation.
+    m_pPause = bar->addAction(QString());
+    m_pPause->setObjectName(QStringLiteral("pauseAction"));
+    m_pPause->setShortcut(QKeySequence(Qt::Key_F5));
+    connect(m_pPause, &QAction::triggered, this, [this] {
+        if (m_pInstrument->isRunning())
             m_pInstrument->stop();
         else
             m_pInstrument->start();
+        followPause();
     });
+    followPause();
 
     bar->addSeparator();
-    QAction* restore = bar->addAction(tr("Restore instrument"), this, &GalleryWindow::restoreInstrument);
+    QAction* restore = bar->addAction(style()->standardIcon(QStyle::SP_BrowserReload), tr("Restore instrument"), this,
+                                      &GalleryWindow::restoreInstrument);
+    restore->setObjectName(QStringLiteral("restoreAction"));
     restore->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    restore->setToolTip(tr("Bring back every removed value as the instrument makes it and enable every value (Ctrl+R)"));
 
     // Each language named in itself, so that either can be found whichever is shown.
     bar->addSeparator();
@@ -573,15 +677,67 @@ void GalleryWindow::makeStatusBar()
 void GalleryWindow::followInstrument()
 {
     m_pClock->setText(tr("t = %1 s").arg(m_pInstrument->simulatedMs() / 1000.0, 0, 'f', 1));
-    m_pPause->setChecked(!m_pInstrument->isRunning());
+    followPause();
     auto* active = dynamic_cast<values::BoolValue*>(values::Tree::Instance()->Find(QStringLiteral("/receiver/scan/active")));
     m_pScan->setEnabled(active && active->GetState() == Enabled);
     m_pScan->setChecked(active && active->GetValue());
 }
 
+void GalleryWindow::followPause()
+{
+    const bool running = m_pInstrument->isRunning();
+    const QString text = running ? tr("Pause simulation") : tr("Resume simulation");
+    if (m_pPause->text() == text)
+        return;
+    m_pPause->setText(text);
+    m_pPause->setIcon(style()->standardIcon(running ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+    m_pPause->setToolTip(running ? tr("Hold the instrument still, so that only your edits move values (F5)")
+                                 : tr("Let the instrument run again (F5)"));
+}
+
+void GalleryWindow::disableControlsOf(values::ValueBase* value, const QString& path)
+{
+    // A control lets go of a removed value and stays as it was, enabled and writing nowhere; greyed
+    // out here, it shows that it has nothing to work on until the value is back.
+    auto* observable = static_cast<Observable*>(value);
+    QList<QPointer<QWidget>>& disabled = m_disabledControls[path];
+    const QList<QWidget*> widgets = findChildren<QWidget*>();
+    for (QWidget* widget : widgets) {
+        auto* observer = dynamic_cast<IObserver*>(widget);
+        if (observer && observable->IsAttached(observer) && widget->isEnabled()) {
+            widget->setEnabled(false);
+            disabled << widget;
+        }
+    }
+}
+
+bool GalleryWindow::restoreValue(const QString& path)
+{
+    if (!m_pInstrument->restoreValue(path))
+        return false;
+    for (const QPointer<QWidget>& widget : m_disabledControls.take(path)) {
+        if (widget)
+            widget->setEnabled(true);
+    }
+    // Binding again is harmless for controls whose values stayed: they take the same value anew.
+    for (const auto& binding : m_bindings)
+        binding();
+    m_pTree->rescan();
+    followInstrument();
+    statusBar()->showMessage(tr("Restored %1").arg(path), 4000);
+    return true;
+}
+
 void GalleryWindow::restoreInstrument()
 {
     const int recreated = m_pInstrument->restore();
+    for (const QList<QPointer<QWidget>>& widgets : qAsConst(m_disabledControls)) {
+        for (const QPointer<QWidget>& widget : widgets) {
+            if (widget)
+                widget->setEnabled(true);
+        }
+    }
+    m_disabledControls.clear();
     for (const auto& binding : m_bindings)
         binding();
     m_pTree->rescan();

@@ -2,7 +2,9 @@
 
 #include "valuereadout.h"
 
+#include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 #include <vector>
@@ -16,6 +18,10 @@ class QGroupBox;
 class QVBoxLayout;
 class QLabel;
 class QTabWidget;
+
+namespace values {
+class ValueBase;
+}
 
 /**
  * \brief The gallery's main window: the controls of a simulated receiver on the left, grouped by family
@@ -37,9 +43,22 @@ public:
     /// The language the window shows: "en" or "de".
     QString language() const;
 
+    /// The gallery's one font, DejaVu Sans, the same on screen and offscreen; set by the constructor.
+    static void useGalleryFont();
+    /// The font of numbers: DejaVu Sans Mono at the size of the gallery's font.
+    static QFont fixedFont();
+    /// The size below which the window does not go: the value tree's State column stays in sight.
+    static QSize minimumWindowSize() { return QSize(1024, 640); }
+
 public Q_SLOTS:
     /// Brings back removed values, enables all, binds every control again and shows the new rows.
     void restoreInstrument();
+    /**
+     * \brief Brings back the one value at \a path as the instrument makes it (or enables it), and binds
+     * the controls that showed it again; the other values stay as they are. False for a path the
+     * instrument does not make.
+     */
+    bool restoreValue(const QString& path);
     /// The filter of the present mode and the slow AGC, as one edit of the menu button that asks.
     void resetReception();
     /// The level readout in dBm over the full range, as one edit of the context menu that asks.
@@ -84,6 +103,10 @@ private:
     void addStackedControl(QGridLayout* grid, const QString& caption, QWidget* control, QWidget* readout);
 
     void followInstrument();
+    /// Pause shows what it will do: "Pause simulation" while running, "Resume simulation" while still.
+    void followPause();
+    /// Greys out the controls that show \a value, about to be removed: they let go of it and write nowhere.
+    void disableControlsOf(values::ValueBase* value, const QString& path);
 
     /// A grey, word-wrapped note for the top of a page or pane.
     static QLabel* hint(const QString& text, QWidget* parent);
@@ -102,5 +125,6 @@ private:
     QLabel* m_pClock = nullptr;
     QLabel* m_pCount = nullptr;
     std::vector<std::function<void()>> m_bindings;
+    QHash<QString, QList<QPointer<QWidget>>> m_disabledControls; // by the path of the removed value
     QString m_strLanguage = QStringLiteral("en");
 };

@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QtMath>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -453,6 +454,28 @@ void Instrument::monitorChannels(double t)
         if (channels->IsItemChecked(channel) != heard)
             channels->SetItemChecked(channel, heard, nullptr);
     }
+}
+
+bool Instrument::restoreValue(const QString& path)
+{
+    const std::vector<ValueRecipe>& list = recipes();
+    const auto recipe = std::find_if(list.begin(), list.end(),
+                                     [&path](const ValueRecipe& r) { return path == QLatin1String(r.path); });
+    if (recipe == list.end())
+        return false;
+    values::Tree* tree = values::Tree::Instance();
+    if (values::ValueBase* value = tree->Find(path)) {
+        value->SetState(Enabled, nullptr);
+        return true;
+    }
+    values::ValueBase* value = recipe->make();
+    if (!tree->Add(path, value)) {
+        delete value;
+        return false;
+    }
+    rememberDial();
+    Q_EMIT restored(1);
+    return true;
 }
 
 int Instrument::restore()

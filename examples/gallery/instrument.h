@@ -80,6 +80,11 @@ public:
      * of the instrument. Returns the number of values re-created.
      */
     int restore();
+    /**
+     * \brief Re-creates the one value at \a path with its initial contents if it is gone, or enables it.
+     * False for a path the instrument does not make; restored() follows a re-creation.
+     */
+    bool restoreValue(const QString& path);
 
 Q_SIGNALS:
     void stepped(quint64 count);

@@ -42,40 +42,72 @@ int pageIndex(const QTabWidget* pages, const QString& key)
     return -1;
 }
 
+/// The options, on whichever application object there is: the parser is made before the window
+/// system is reached, so that --help and --version work without a display.
+struct Options
+{
+    QCommandLineParser parser;
+    QCommandLineOption screenshot{QStringLiteral("screenshot"),
+                                  QStringLiteral("Render the window offscreen into the PNG <file> and exit."),
+                                  QStringLiteral("file")};
+    QCommandLineOption seed{QStringLiteral("seed"), QStringLiteral("Seed the simulation with <n> for a reproducible run."),
+                            QStringLiteral("n")};
+    QCommandLineOption page{QStringLiteral("page"),
+                            QStringLiteral("Open on page <page>: its number (1 is the first tab) or the beginning of "
+                                           "its title, such as \"Buttons\"."),
+                            QStringLiteral("page")};
+    QCommandLineOption language{QStringLiteral("language"),
+                                QStringLiteral("Show the gallery in <language>: en (the default) or de."),
+                                QStringLiteral("language")};
+    QCommandLineOption size{QStringLiteral("size"),
+                            QStringLiteral("Open the window <width>x<height> pixels large, such as 1024x640 (the "
+                                           "smallest); the default is 1480x800."),
+                            QStringLiteral("size")};
+
+    Options()
+    {
+        parser.setApplicationDescription(QStringLiteral("The Vandrel controls on a simulated receiver."));
+        parser.addHelpOption();
+        parser.addVersionOption();
+        parser.addOptions({screenshot, seed, page, language, size});
+    }
+};
+
+void describeApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("vandrel-gallery"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VANDREL_GALLERY_VERSION));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // --help and --version are answered before any window system is opened.
+    if (hasArgument(argc, argv, "--help") || hasArgument(argc, argv, "-h") || hasArgument(argc, argv, "-?")
+        || hasArgument(argc, argv, "--help-all") || hasArgument(argc, argv, "--version")
+        || hasArgument(argc, argv, "-v")) {
+        QCoreApplication plain(argc, argv);
+        describeApplication();
+        Options options;
+        options.parser.process(plain);
+    }
+
     // A screenshot needs no display: render offscreen unless a platform was chosen.
     if (hasArgument(argc, argv, "--screenshot") && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")
         && !hasArgument(argc, argv, "-platform"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("vandrel-gallery"));
+    describeApplication();
     QApplication::setApplicationDisplayName(QStringLiteral("Vandrel gallery"));
-
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("The Vandrel controls on a simulated receiver."));
-    parser.addHelpOption();
-    const QCommandLineOption screenshotOption(QStringLiteral("screenshot"),
-                                              QStringLiteral("Render the window offscreen into the PNG <file> and exit."),
-                                              QStringLiteral("file"));
-    const QCommandLineOption seedOption(QStringLiteral("seed"),
-                                        QStringLiteral("Seed the simulation with <n> for a reproducible run."),
-                                        QStringLiteral("n"));
-    const QCommandLineOption pageOption(QStringLiteral("page"),
-                                        QStringLiteral("Open on page <page>: its number (1 is the first tab) or the "
-                                                       "beginning of its title, such as \"Buttons\"."),
-                                        QStringLiteral("page"));
-    const QCommandLineOption languageOption(QStringLiteral("language"),
-                                            QStringLiteral("Show the gallery in <language>: en (the default) or de."),
-                                            QStringLiteral("language"));
-    parser.addOption(screenshotOption);
-    parser.addOption(seedOption);
-    parser.addOption(pageOption);
-    parser.addOption(languageOption);
+    Options options;
+    QCommandLineParser& parser = options.parser;
     parser.process(app);
+    const QCommandLineOption& screenshotOption = options.screenshot;
+    const QCommandLineOption& seedOption = options.seed;
+    const QCommandLineOption& pageOption = options.page;
+    const QCommandLineOption& languageOption = options.language;
 
     const QString screenshot = parser.value(screenshotOption);
     const bool takeScreenshot = parser.isSet(screenshotOption);
@@ -104,7 +136,23 @@ int main(int argc, char** argv)
         return 2;
     }
 
+    QSize size(1480, 800);
+    if (parser.isSet(options.size)) {
+        const QStringList parts = parser.value(options.size).split(QLatin1Char('x'));
+        bool wide = false;
+        bool high = false;
+        if (parts.size() == 2)
+            size = QSize(parts.at(0).toInt(&wide), parts.at(1).toInt(&high));
+        const QSize least = GalleryWindow::minimumWindowSize();
+        if (!wide || !high || size.width() < least.width() || size.height() < least.height()) {
+            std::fprintf(stderr, "vandrel-gallery: --size takes WIDTHxHEIGHT of at least %dx%d, not '%s'\n", least.width(),
+                         least.height(), qPrintable(parser.value(options.size)));
+            return 2;
+        }
+    }
+
     GalleryWindow window(&instrument);
+    window.resize(size);
     if (!language.isEmpty())
         window.setLanguage(language);
     if (parser.isSet(pageOption)) {
@@ -127,7 +175,7 @@ int main(int argc, char** argv)
     // Everything on the picture follows the count of steps, not the wall clock: the glow of the value
     // tree runs on simulated time too, so a seed gives the same picture every time.
     window.valueTreeModel()->setClock([&instrument] { return instrument.simulatedMs(); });
-    window.setFixedSize(1480, 800);
+    window.setFixedSize(size);
     window.show();
 
     int result = 0;

@@ -22,6 +22,9 @@ values::ValueSelection* selectionAt(const char* path)
 
 void GalleryWindow::makeMenuBar()
 {
+    // The place of an Edit menu (undo and redo) is in front of the switches, as in any window: it goes
+    // in with bar->insertMenu(bar->actions().value(0), ...) at the end of this function. The bar binds
+    // by place, so the switches are bound again at the places they have then.
     // Each entry switches a selection between its "On" and "Off" items; checkable, it shows which.
     auto* bar = new VCMenuBar(this, "viewSwitches");
     bar->InsertItem(tr("Hold"), 0, QStringLiteral("/receiver/view/hold"), QStringLiteral("On"), QStringLiteral("Off"));
@@ -34,9 +37,13 @@ void GalleryWindow::makeMenuBar()
         entry->setToolTip(tr("Switches %1").arg(paths.value(place)));
     }
     // Made checkable after binding: the marks are taken again, and again after every restore.
-    bind([bar] {
-        bar->SetSelection_ValuePath(0, QStringLiteral("/receiver/view/hold"), QStringLiteral("On"), QStringLiteral("Off"));
-        bar->SetSelection_ValuePath(1, QStringLiteral("/receiver/view/averaging"), QStringLiteral("On"), QStringLiteral("Off"));
+    QAction* hold = bar->actions().at(0);
+    QAction* averaging = bar->actions().at(1);
+    bind([bar, hold, averaging] {
+        bar->SetSelection_ValuePath(bar->actions().indexOf(hold), QStringLiteral("/receiver/view/hold"), QStringLiteral("On"),
+                                    QStringLiteral("Off"));
+        bar->SetSelection_ValuePath(bar->actions().indexOf(averaging), QStringLiteral("/receiver/view/averaging"),
+                                    QStringLiteral("On"), QStringLiteral("Off"));
     });
     setMenuBar(bar);
 }

@@ -3,6 +3,32 @@
 #include <orvi/translationcenter.h>
 #include <values/values.h>
 
+#include <QPainter>
+#include <QStyle>
+
+void OneLineText::paint(QLabel* label)
+{
+    const QRect area = label->contentsRect();
+    const QString text = label->text();
+    const QString line = text.section(QLatin1Char('\n'), 0, 0);
+    // A second line is not shown; the ellipsis says that there is more.
+    const QString wanted = line.size() < text.size() ? line + QStringLiteral(" \u2026") : line;
+    const QString shown = label->fontMetrics().elidedText(wanted, Qt::ElideRight, area.width());
+    const bool cut = shown != text;
+
+    QPainter painter(label);
+    label->style()->drawItemText(&painter, area, int(label->alignment() & ~Qt::AlignVertical_Mask) | Qt::AlignVCenter,
+                                 label->palette(), label->isEnabled(), shown, label->foregroundRole());
+
+    const QString current = label->toolTip();
+    if (current != m_strTextTip)
+        m_strOwnTip = current;
+    m_strTextTip = cut ? text : QString();
+    const QString tip = cut ? text : m_strOwnTip;
+    if (current != tip)
+        label->setToolTip(tip);
+}
+
 ValueReadout::ValueReadout(Formatter formatter, QWidget* parent)
     : QLabel(parent)
     , m_format(std::move(formatter))
@@ -50,6 +76,26 @@ void ValueReadout::refresh()
         setText(m_format ? m_format(*m_pValue)
                          : TranslationCenter::Instance().translate(m_pValue->GetTranslationNamespace(),
                                                                    m_pValue->GetValueString()));
+}
+
+QSize ValueReadout::sizeHint() const
+{
+    // Wide enough for a number with its unit, whatever it shows now.
+    const QMargins margins = contentsMargins();
+    return QSize(qMax(minimumWidth(), fontMetrics().horizontalAdvance(QStringLiteral("0000000000")) + margins.left() + margins.right()),
+                 fontMetrics().height() + margins.top() + margins.bottom());
+}
+
+QSize ValueReadout::minimumSizeHint() const
+{
+    const QMargins margins = contentsMargins();
+    return QSize(fontMetrics().horizontalAdvance(QStringLiteral("000")) + margins.left() + margins.right(),
+                 fontMetrics().height() + margins.top() + margins.bottom());
+}
+
+void ValueReadout::paintEvent(QPaintEvent*)
+{
+    m_oneLine.paint(this);
 }
 
 void ValueReadout::Update(Observable* source, TChangeCode code)

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QAbstractItemView>
@@ -12,6 +13,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -88,6 +90,20 @@ QIcon stateIcon(int state)
     return QIcon(pixmap);
 }
 
+/// Cuts a path at its beginning, which every row shares, instead of at its leaf.
+class PathDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->textElideMode = Qt::ElideLeft;
+    }
+};
+
 } // namespace
 
 // ---------------------------------------------------------------------------------------------------
@@ -109,8 +125,10 @@ ValueTreeModel::ValueTreeModel(const QString& root, QObject* parent)
 
 ValueTreeModel::~ValueTreeModel()
 {
-    for (const Row& row : m_rows)
-        observableOf(row.value)->Detach(this);
+    for (const Row& row : m_rows) {
+        if (row.value)
+            observableOf(row.value)->Detach(this);
+    }
 }
 
 int ValueTreeModel::rescan()
@@ -122,7 +140,19 @@ int ValueTreeModel::rescan()
         values::ValueBase* value = tree->Find(path);
         if (!value || m_index.contains(observableOf(value)))
             continue;
-        insertRow(path, value);
+        const int removed = rowOfPath(path);
+        if (removed >= 0 && !m_rows[size_t(removed)].value) {
+            // Back at the path of a removed row: the row takes it on.
+            m_rows[size_t(removed)].value = value;
+            m_rows[size_t(removed)].changedAt = now();
+            reindex();
+            observableOf(value)->Attach(this);
+            Q_EMIT dataChanged(index(removed, 0), index(removed, ColumnCount - 1));
+            if (m_nFadeMs > 0 && !m_fadeTimer.isActive())
+                m_fadeTimer.start();
+        } else {
+            insertRow(path, value);
+        }
         ++added;
     }
     return added;
@@ -140,22 +170,28 @@ void ValueTreeModel::insertRow(const QString& path, values::ValueBase* value)
     endInsertRows();
 }
 
-void ValueTreeModel::removeRowOf(const Observable* source)
+void ValueTreeModel::markRemoved(const Observable* source)
 {
     const int row = m_index.value(source, -1);
     if (row < 0)
         return;
-    beginRemoveRows(QModelIndex(), row, row);
-    m_rows.erase(m_rows.begin() + row);
+    m_rows[size_t(row)].value = nullptr;
+    m_rows[size_t(row)].changedAt = now();
     reindex();
-    endRemoveRows();
+    const QString path = m_rows[size_t(row)].path;
+    Q_EMIT dataChanged(index(row, 0), index(row, ColumnCount - 1));
+    if (m_nFadeMs > 0 && !m_fadeTimer.isActive())
+        m_fadeTimer.start();
+    Q_EMIT changeArrived(path, int(ValueDestroyed));
 }
 
 void ValueTreeModel::reindex()
 {
     m_index.clear();
-    for (int i = 0; i < int(m_rows.size()); ++i)
-        m_index.insert(observableOf(m_rows[size_t(i)].value), i);
+    for (int i = 0; i < int(m_rows.size()); ++i) {
+        if (m_rows[size_t(i)].value)
+            m_index.insert(observableOf(m_rows[size_t(i)].value), i);
+    }
 }
 
 int ValueTreeModel::rowOfPath(const QString& path) const
@@ -175,14 +211,55 @@ values::ValueBase* ValueTreeModel::valueAt(int row) const
     return row >= 0 && row < int(m_rows.size()) ? m_rows[size_t(row)].value : nullptr;
 }
 
+bool ValueTreeModel::isRemovedRow(int row) const
+{
+    return row >= 0 && row < int(m_rows.size()) && !m_rows[size_t(row)].value;
+}
+
+QStringList ValueTreeModel::removedPaths() const
+{
+    QStringList paths;
+    for (const Row& row : m_rows) {
+        if (!row.value)
+            paths << row.path;
+    }
+    return paths;
+}
+
+void ValueTreeModel::addRemovedRow(const QString& path)
+{
+    if (rowOfPath(path) >= 0 || values::Tree::Instance()->Find(path))
+        return;
+    const auto at = std::lower_bound(m_rows.begin(), m_rows.end(), path,
+                                     [](const Row& row, const QString& p) { return row.path < p; });
+    const int row = int(at - m_rows.begin());
+    beginInsertRows(QModelIndex(), row, row);
+    m_rows.insert(at, Row{path, nullptr, -1});
+    reindex();
+    endInsertRows();
+}
+
 bool ValueTreeModel::switchState(int row, int state)
 {
-    values::ValueBase* value = valueAt(row);
-    if (!value || (state != Enabled && state != Disabled && state != Removed))
+    if (row < 0 || row >= int(m_rows.size()) || (state != Enabled && state != Disabled && state != Removed))
         return false;
     const QString path = m_rows[size_t(row)].path;
+    if (isRemovedRow(row)) {
+        if (state == Removed || !m_restorer || !m_restorer(path))
+            return false;
+        rescan();
+        values::ValueBase* back = valueAt(rowOfPath(path));
+        if (!back)
+            return false;
+        if (state == Disabled)
+            back->SetState(Disabled, nullptr);
+        Q_EMIT stateSwitched(path, state);
+        return true;
+    }
+    values::ValueBase* value = valueAt(row);
     if (state == Removed) {
-        // The tree announces Removed and destroys the value; ValueDestroyed then drops the row.
+        Q_EMIT aboutToRemove(value, path);
+        // The tree announces Removed and destroys the value; ValueDestroyed then marks the row.
         if (!values::Tree::Instance()->Remove(path))
             value->SetState(Removed, nullptr); // not in the tree (any more): the state is all there is
     } else {
@@ -242,6 +319,8 @@ QVariant ValueTreeModel::data(const QModelIndex& index, int role) const
     if (!index.isValid() || index.row() >= int(m_rows.size()))
         return QVariant();
     const Row& row = m_rows[size_t(index.row())];
+    if (!row.value)
+        return removedData(row, index.column(), role);
     const int state = row.value->GetState();
 
     switch (role) {
@@ -293,6 +372,37 @@ QVariant ValueTreeModel::data(const QModelIndex& index, int role) const
     return QVariant();
 }
 
+QVariant ValueTreeModel::removedData(const Row& row, int column, int role) const
+{
+    switch (role) {
+    case Qt::DisplayRole:
+        if (column == PathColumn)
+            return row.path;
+        if (column == StateColumn)
+            return stateName(Removed);
+        return QString();
+    case Qt::EditRole:
+        return column == StateColumn ? QVariant(int(Removed)) : QVariant();
+    case Qt::ToolTipRole:
+        return tr("%1\nRemoved from the tree: Restore brings it back as the instrument makes it").arg(row.path);
+    case Qt::DecorationRole:
+        return column == StateColumn ? QVariant(m_stateIcons[Removed]) : QVariant();
+    case Qt::ForegroundRole:
+        return QColor(0xb0, 0x30, 0x25);
+    case Qt::BackgroundRole: {
+        const qreal h = heat(rowOfPath(row.path));
+        return h > 0.0 ? QVariant(QColor(255, 196, 40, int(170 * h))) : QVariant();
+    }
+    case StateRole:
+        return int(Removed);
+    case HeatRole:
+        return heat(rowOfPath(row.path));
+    case PathRole:
+        return row.path;
+    }
+    return QVariant();
+}
+
 QVariant ValueTreeModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
@@ -318,7 +428,8 @@ Qt::ItemFlags ValueTreeModel::flags(const QModelIndex& index) const
     if (index.column() == StateColumn)
         f |= Qt::ItemIsEditable;
     // As for a control: a value that is not enabled cannot be edited now.
-    if (index.column() == ValueColumn && m_rows[size_t(index.row())].value->GetState() == Enabled)
+    const values::ValueBase* value = m_rows[size_t(index.row())].value;
+    if (index.column() == ValueColumn && value && value->GetState() == Enabled)
         f |= Qt::ItemIsEditable;
     return f;
 }
@@ -345,8 +456,8 @@ void ValueTreeModel::Update(Observable* source, TChangeCode code)
     if (it == m_index.constEnd())
         return;
     if (code == ValueDestroyed) {
-        // The value is half gone: no Detach and no reading it, just drop the row.
-        removeRowOf(source);
+        // The value is half gone: no Detach and no reading it; the row stays as Removed.
+        markRemoved(source);
         return;
     }
     switch (code) {
@@ -439,22 +550,36 @@ ValueTreeView::ValueTreeView(const QString& root, QWidget* parent)
     m_pTable->setAlternatingRowColors(true);
     m_pTable->setShowGrid(false);
     m_pTable->setWordWrap(false);
+    // A long path keeps its end, where the values differ.
+    m_pTable->setItemDelegateForColumn(ValueTreeModel::PathColumn, new PathDelegate(m_pTable));
+    m_pTable->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_pTable->setContextMenuPolicy(Qt::CustomContextMenu);
     m_pTable->verticalHeader()->hide();
     m_pTable->verticalHeader()->setDefaultSectionSize(m_pTable->fontMetrics().height() + 10);
     QHeaderView* header = m_pTable->horizontalHeader();
     header->setHighlightSections(false);
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    header->setSectionResizeMode(ValueTreeModel::PathColumn, QHeaderView::ResizeToContents);
+    // The widths are shared out in fitColumns(): the State column keeps the width of its editor and
+    // stays in sight, the others give way.
+    header->setSectionResizeMode(ValueTreeModel::PathColumn, QHeaderView::Interactive);
     header->setSectionResizeMode(ValueTreeModel::ValueColumn, QHeaderView::Stretch);
-    header->setSectionResizeMode(ValueTreeModel::TypeColumn, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(ValueTreeModel::TypeColumn, QHeaderView::Interactive);
     header->setSectionResizeMode(ValueTreeModel::StateColumn, QHeaderView::Fixed);
-    header->resizeSection(ValueTreeModel::StateColumn, m_pTable->fontMetrics().horizontalAdvance(QStringLiteral("Disabled")) + 56);
+    header->setMinimumSectionSize(32);
+    QComboBox editor;
+    for (int state : {int(Enabled), int(Disabled), int(Removed)})
+        editor.addItem(stateIcon(state), ValueTreeModel::stateName(state));
+    header->resizeSection(ValueTreeModel::StateColumn, editor.sizeHint().width() + 8);
+    m_pTable->viewport()->installEventFilter(this);
+    // Room for the state and the least of the other three beside it.
+    m_pTable->setMinimumWidth(header->sectionSize(ValueTreeModel::StateColumn) + 3 * header->minimumSectionSize()
+                              + m_pTable->style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 2 * m_pTable->frameWidth() + 4);
 
     m_pEnable->setObjectName(QStringLiteral("enableButton"));
     m_pDisable->setObjectName(QStringLiteral("disableButton"));
     m_pRemove->setObjectName(QStringLiteral("removeButton"));
-    m_pEnable->setToolTip(tr("Enable the selected values"));
+
+    m_pEnable->setToolTip(tr("Enable the selected values; removed ones come back as the instrument makes them"));
     m_pDisable->setToolTip(tr("Disable the selected values: their controls grey out"));
     m_pRemove->setToolTip(tr("Remove the selected values from the tree: their controls let go of them"));
     connect(m_pEnable, &QPushButton::clicked, this, [this] { switchSelected(Enabled); });
@@ -472,6 +597,7 @@ ValueTreeView::ValueTreeView(const QString& root, QWidget* parent)
 
     connect(m_pTable->selectionModel(), &QItemSelectionModel::selectionChanged, this, &ValueTreeView::updateButtons);
     connect(m_pModel, &QAbstractItemModel::rowsRemoved, this, &ValueTreeView::updateButtons);
+    connect(m_pModel, &QAbstractItemModel::dataChanged, this, &ValueTreeView::updateButtons);
     connect(m_pTable, &QWidget::customContextMenuRequested, this, &ValueTreeView::showContextMenu);
     updateButtons();
 }
@@ -497,12 +623,51 @@ void ValueTreeView::switchSelected(int state)
         m_pModel->switchState(m_pModel->rowOfPath(path), state);
 }
 
+void ValueTreeView::restoreSelected()
+{
+    QStringList paths;
+    const QModelIndexList rows = m_pTable->selectionModel()->selectedRows();
+    for (const QModelIndex& index : rows) {
+        if (m_pModel->isRemovedRow(index.row()))
+            paths << m_pModel->pathAt(index.row());
+    }
+    for (const QString& path : qAsConst(paths))
+        m_pModel->switchState(m_pModel->rowOfPath(path), Enabled);
+}
+
 void ValueTreeView::updateButtons()
 {
-    const bool any = m_pTable->selectionModel()->hasSelection();
-    m_pEnable->setEnabled(any);
-    m_pDisable->setEnabled(any);
-    m_pRemove->setEnabled(any);
+    const QModelIndexList rows = m_pTable->selectionModel()->selectedRows();
+    bool live = false;
+    bool removed = false;
+    for (const QModelIndex& index : rows)
+        (m_pModel->isRemovedRow(index.row()) ? removed : live) = true;
+    // Enabling or disabling a removed value restores it first.
+    m_pEnable->setEnabled(live || removed);
+    m_pDisable->setEnabled(live || removed);
+    m_pRemove->setEnabled(live);
+}
+
+bool ValueTreeView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_pTable->viewport() && event->type() == QEvent::Resize)
+        fitColumns();
+    return QWidget::eventFilter(watched, event);
+}
+
+void ValueTreeView::fitColumns()
+{
+    // Path and type take what they need up to a share of the room left beside the state, and the value
+    // stretches over the rest, never less than the least section. Nothing scrolls sideways, so the state
+    // is always in sight.
+    QHeaderView* header = m_pTable->horizontalHeader();
+    auto* view = static_cast<QAbstractItemView*>(m_pTable);
+    const int least = header->minimumSectionSize();
+    const int free = qMax(2 * least, m_pTable->viewport()->width() - header->sectionSize(ValueTreeModel::StateColumn) - least);
+    const int type = qBound(least, view->sizeHintForColumn(ValueTreeModel::TypeColumn), free * 25 / 100);
+    const int path = qBound(least, view->sizeHintForColumn(ValueTreeModel::PathColumn), free - type);
+    header->resizeSection(ValueTreeModel::PathColumn, qMin(path, qMax(least, free * 60 / 100)));
+    header->resizeSection(ValueTreeModel::TypeColumn, type);
 }
 
 void ValueTreeView::showContextMenu(const QPoint& pos)
@@ -516,6 +681,8 @@ void ValueTreeView::showContextMenu(const QPoint& pos)
     menu.addAction(stateIcon(Enabled), tr("Enable"), this, [this] { switchSelected(Enabled); });
     menu.addAction(stateIcon(Disabled), tr("Disable"), this, [this] { switchSelected(Disabled); });
     menu.addAction(stateIcon(Removed), tr("Remove from the tree"), this, [this] { switchSelected(Removed); });
+    if (m_pModel->isRemovedRow(index.row()))
+        menu.addAction(tr("Restore as the instrument makes it"), this, &ValueTreeView::restoreSelected);
     menu.addSeparator();
     const QString path = m_pModel->pathAt(index.row());
     menu.addAction(tr("Copy path"), this, [path] { QApplication::clipboard()->setText(path); });

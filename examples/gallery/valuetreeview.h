@@ -25,11 +25,13 @@ class ValueBase;
  * \brief One row per value of the tree (on or under a root path), sorted by path, kept live.
  *
  * The model observes every value it shows, so each change arrives as it happens and refreshes only its
- * row; a changed row glows for fadeDuration() and then fades. A value destroyed in the tree loses its
- * row. Values added to the tree later appear with rescan(), since the tree announces no additions.
+ * row; a changed row glows for fadeDuration() and then fades. A value destroyed in the tree keeps its
+ * row, marked Removed, until it is restored. Values added to the tree later appear with rescan(), since
+ * the tree announces no additions; rescan() also gives a removed row the value back at its path.
  *
  * Writing the state column switches the value: Enabled and Disabled set the state, Removed takes the
- * value out of the tree. Writing the value column sets the value from text.
+ * value out of the tree; Enabled or Disabled on a removed row restores it through the restorer.
+ * Writing the value column sets the value from text.
  */
 class ValueTreeModel : public QAbstractTableModel, public IObserver
 {
@@ -46,17 +48,28 @@ public:
     explicit ValueTreeModel(const QString& root = QStringLiteral("/"), QObject* parent = nullptr);
     ~ValueTreeModel() override;
 
-    /// Adds a row for each value on or under the root that has none yet. Returns the number added.
+    /// Adds a row for each value on or under the root that has none yet, and gives a removed row the value
+    /// now at its path. Returns the number of rows added or taken up again.
     int rescan();
 
     /// The row of \a path, -1 when there is none.
     int rowOfPath(const QString& path) const;
     QString pathAt(int row) const;
     values::ValueBase* valueAt(int row) const;
+    /// True for the row of a value that was removed and not restored yet.
+    bool isRemovedRow(int row) const;
+    /// The paths of the removed rows, sorted.
+    QStringList removedPaths() const;
+    /// Adds a removed row for \a path, which has no value now (a view made anew keeps the old one's rows).
+    void addRemovedRow(const QString& path);
+
+    /// What brings back a removed value at a path (true when it is back); without one nothing can.
+    void setRestorer(std::function<bool(const QString&)> restorer) { m_restorer = std::move(restorer); }
 
     /**
      * \brief Switches the value of \a row to \a state: Enabled and Disabled through SetState(), Removed
-     * by removing it from the tree, which drops the row. False for a bad row or state.
+     * by removing it from the tree, which keeps the row as Removed. On a removed row, Enabled and
+     * Disabled restore the value first. False for a bad row or state, or a restore that failed.
      */
     bool switchState(int row, int state);
 
@@ -89,17 +102,20 @@ Q_SIGNALS:
     void changeArrived(const QString& path, int code);
     /// switchState() switched \a path to \a state.
     void stateSwitched(const QString& path, int state);
+    /// switchState() is about to remove \a value at \a path: its observers are still attached.
+    void aboutToRemove(values::ValueBase* value, const QString& path);
 
 private:
     struct Row
     {
         QString path;
-        values::ValueBase* value;
+        values::ValueBase* value; // null once removed
         qint64 changedAt; // clock time of the last change, -1 for none
     };
 
     void insertRow(const QString& path, values::ValueBase* value);
-    void removeRowOf(const Observable* source);
+    QVariant removedData(const Row& row, int column, int role) const;
+    void markRemoved(const Observable* source);
     void reindex();
     void fadeTick();
     qint64 now() const { return m_clock(); }
@@ -108,6 +124,7 @@ private:
     std::vector<Row> m_rows;
     QHash<const Observable*, int> m_index; // row by the observable part of its value
     std::function<qint64()> m_clock;
+    std::function<bool(const QString&)> m_restorer;
     QElapsedTimer m_wallClock;
     QTimer m_fadeTimer;
     int m_nFadeMs = 1200;
@@ -147,8 +164,14 @@ public Q_SLOTS:
     void rescan();
     /// Switches every selected value to \a state.
     void switchSelected(int state);
+    /// Brings back every selected removed value.
+    void restoreSelected();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void fitColumns();
     void updateButtons();
     void showContextMenu(const QPoint& pos);
 

@@ -10,6 +10,13 @@
 #include <QSignalSpy>
 #include <QApplication>
 #include <QComboBox>
+#include <QFrame>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabBar>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QMessageBox>
@@ -203,6 +210,8 @@ private Q_SLOTS:
         // The undo history and the position format outlive a window; each test starts without them.
         values::UndoRecorder::Instance().Clear();
         Plinthor::Instance().GetPositionFormat()->SelectKey(GeoDecimal, nullptr);
+        // A window starts in English, whatever a test before it switched to.
+        TranslationCenter::Instance().SetLocale(QStringLiteral("en"));
     }
 
     void instrumentOwnsItsBranchAndTheModelOutlivesIt()
@@ -219,10 +228,15 @@ private Q_SLOTS:
             QCOMPARE(model.rescan(), Instrument::paths().size());
         }
         QVERIFY(values::Tree::Instance()->PathsUnder(Instrument::root()).isEmpty());
-        QCOMPARE(model.rowCount(), 0);
-        // The model forgot the values without detaching; new ones are picked up as usual.
+        // The model forgot the values without detaching; their rows stay, removed, and take the new
+        // values at their paths.
+        QCOMPARE(model.rowCount(), Instrument::paths().size());
+        for (int row = 0; row < model.rowCount(); ++row)
+            QVERIFY(model.isRemovedRow(row) && !model.valueAt(row));
         Instrument instrument;
         QCOMPARE(model.rescan(), Instrument::paths().size());
+        QCOMPARE(model.rowCount(), Instrument::paths().size());
+        QVERIFY(!model.isRemovedRow(model.rowOfPath(rx("gain"))));
         QVERIFY(setText("gain", "5"));
         QCOMPARE(cell(model, rx("gain")), QStringLiteral("5"));
     }
@@ -596,7 +610,7 @@ private Q_SLOTS:
         QCOMPARE(switched.count(), 2);
     }
 
-    void removeDropsTheRowAndTheControlLetsGo()
+    void removeKeepsTheRowAndTheControlLetsGo()
     {
         Instrument instrument;
         ValueTreeModel model(Instrument::root());
@@ -607,30 +621,39 @@ private Q_SLOTS:
         const int levelRow = model.rowOfPath(rx("level"));
         QVERIFY(levelRow > gainRow);
         QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+        QSignalSpy changedRows(&model, &QAbstractItemModel::dataChanged);
         QVERIFY(model.switchState(gainRow, Removed));
-        QCOMPARE(removed.count(), 1);
-        QCOMPARE(removed.at(0).at(1).toInt(), gainRow);
-        QCOMPARE(model.rowCount(), rows - 1);
-        QCOMPARE(model.rowOfPath(rx("gain")), -1);
+        QCOMPARE(removed.count(), 0);
+        QVERIFY(!changedRows.isEmpty());
+        QCOMPARE(changedRows.last().at(0).toModelIndex().row(), gainRow);
+        QCOMPARE(model.rowCount(), rows);
+        QCOMPARE(model.rowOfPath(rx("gain")), gainRow);
+        QVERIFY(model.isRemovedRow(gainRow));
+        QCOMPARE(cell(model, rx("gain"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
+        QCOMPARE(cell(model, rx("gain")), QString());
+        QVERIFY(!(model.flags(model.index(gainRow, ValueTreeModel::ValueColumn)) & Qt::ItemIsEditable));
+        // Nothing brings it back without a restorer, and Removed again is no switch.
+        QVERIFY(!model.switchState(gainRow, Enabled));
+        QVERIFY(!model.switchState(gainRow, Removed));
         QVERIFY(!find(rx("gain")));
         // The slider lets go and keeps working on its own, writing nowhere.
         slider.setValue(12);
         QCOMPARE(slider.value(), 12);
         QVERIFY(!find(rx("gain")));
-        // Rows after the removed one moved up; a change must still reach the right one.
-        QCOMPARE(model.rowOfPath(rx("level")), levelRow - 1);
+        // The rows after it stay where they were; a change must still reach the right one.
+        QCOMPARE(model.rowOfPath(rx("level")), levelRow);
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
         setText("level", "-42");
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow - 1);
+        QCOMPARE(changed.at(0).at(0).toModelIndex().row(), levelRow);
         QCOMPARE(cell(model, rx("level")), QStringLiteral("-42"));
-        // Someone else removing a value drops its row too.
+        // Someone else removing a value marks its row too.
         QVERIFY(values::Tree::Instance()->Remove(rx("volume")));
-        QCOMPARE(model.rowCount(), rows - 2);
-        QCOMPARE(model.rowOfPath(rx("volume")), -1);
+        QCOMPARE(model.rowCount(), rows);
+        QVERIFY(model.isRemovedRow(model.rowOfPath(rx("volume"))));
         // A value only marked Removed stays in the tree, so its row stays and says so.
         find(rx("notes"))->SetState(Removed, nullptr);
-        QCOMPARE(model.rowCount(), rows - 2);
+        QVERIFY(!model.isRemovedRow(model.rowOfPath(rx("notes"))));
         QCOMPARE(cell(model, rx("notes"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
     }
 
@@ -646,7 +669,7 @@ private Q_SLOTS:
         QVERIFY(switchTo(&model, "squelch", Removed));
         QVERIFY(switchTo(&model, "volume", Disabled));
         find(rx("notes"))->SetState(Removed, nullptr);
-        QCOMPARE(model.rowCount(), paths.size() - 2);
+        QCOMPARE(model.rowCount(), paths.size());
         QSignalSpy restored(&instrument, &Instrument::restored);
         QCOMPARE(instrument.restore(), 2);
         QCOMPARE(restored.count(), 1);
@@ -657,8 +680,10 @@ private Q_SLOTS:
         QCOMPARE(textOf("gain"), QStringLiteral("30"));
         QCOMPARE(model.rescan(), 2);
         QCOMPARE(model.rowCount(), paths.size());
-        for (int row = 0; row < paths.size(); ++row)
+        for (int row = 0; row < paths.size(); ++row) {
             QCOMPARE(model.pathAt(row), paths.at(row));
+            QVERIFY(!model.isRemovedRow(row));
+        }
         QCOMPARE(model.rescan(), 0);
         // A control bound again works on the new value, and the new row hears of it.
         VCSlider slider(nullptr, "gain");
@@ -758,7 +783,8 @@ private Q_SLOTS:
         QCOMPARE(everything.rowCount(), tree->Count());
         for (const QString& path : {QStringLiteral("/receiverless/x"), rx("zz/extra"), rx("aa")})
             tree->Remove(path);
-        QCOMPARE(model.rowCount(), Instrument::paths().size());
+        QCOMPARE(model.rowCount(), Instrument::paths().size() + 2);
+        QVERIFY(model.isRemovedRow(0) && model.isRemovedRow(model.rowCount() - 1));
     }
 
     void viewSwitchesEverySelectedValue()
@@ -789,10 +815,12 @@ private Q_SLOTS:
         remove->click();
         for (const QString& path : chosen) {
             QVERIFY2(!find(path), qPrintable(path));
-            QCOMPARE(model->rowOfPath(path), -1);
+            QVERIFY(model->isRemovedRow(model->rowOfPath(path)));
         }
-        QCOMPARE(model->rowCount(), Instrument::paths().size() - chosen.size());
+        QCOMPARE(model->rowCount(), Instrument::paths().size());
         QVERIFY(find(rx("frequency")) && find(rx("mode")));
+        // A removed row cannot be removed again; enabling it is its restore.
+        QVERIFY(!remove->isEnabled() && child<QPushButton>(view, "enableButton")->isEnabled());
     }
 
     void stateEditorCommitsTheChoice()
@@ -821,7 +849,7 @@ private Q_SLOTS:
         combo->setCurrentIndex(combo->findData(int(Removed)));
         delegate.setModelData(editor, &model, state);
         QVERIFY(!find(rx("squelch")));
-        QCOMPARE(model.rowOfPath(rx("squelch")), -1);
+        QCOMPARE(state.data(ValueTreeModel::StateRole).toInt(), int(Removed));
     }
 
     void windowBindsAndFollowsStatesAndRestore()
@@ -1239,6 +1267,16 @@ private Q_SLOTS:
         QTest::keyClick(box, Qt::Key_Up);
         instrument.step();
         QCOMPARE(textOf("bandwidth"), QStringLiteral("3.0 kHz"));
+        // A typed width selects its filter: with a magnitude letter, or in hertz without one.
+        auto* field = box->findChild<QLineEdit*>();
+        QVERIFY(field && !field->isReadOnly());
+        retype(field, QStringLiteral("9k"));
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("9.0 kHz"));
+        QCOMPARE(box->text(), QStringLiteral("9.0 kHz"));
+        retype(field, QStringLiteral("1800"));
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("1.8 kHz"));
+        retype(field, QStringLiteral("wide"));
+        QCOMPARE(textOf("bandwidth"), QStringLiteral("1.8 kHz"));
     }
 
     void typedFieldsWriteAndClamp_data()
@@ -1286,10 +1324,11 @@ private Q_SLOTS:
         QVERIFY(edit && label && edit->isEnabled());
         QCOMPARE(edit->text(), isFrequency ? QStringLiteral("7 MHz") : QStringLiteral("-95 dBm"));
         edit->setFocus();
-        // The dial holds still while a frequency is typed, as it would on a receiver.
-        QCOMPARE(textOf("scan/active"), QString::fromLatin1(isFrequency ? "false" : "true"));
+        // Taking the focus is no edit: the scan runs on until the user types a frequency.
+        QCOMPARE(textOf("scan/active"), QStringLiteral("true"));
         BoxCloser closer;
         retype(edit, typed);
+        QCOMPARE(textOf("scan/active"), QString::fromLatin1(isFrequency ? "false" : "true"));
         QCOMPARE(closer.said, box);
         QCOMPARE(numberOf(isFrequency ? "frequency" : "squelch"), written);
         QCOMPARE(edit->text(), shown);
@@ -1375,6 +1414,185 @@ private Q_SLOTS:
         const QString written = QStringLiteral("40 m band watch, 7.2 MHz\nquiet");
         QCOMPARE(textOf("notes"), written);
         QCOMPARE(noted->text(), written);
+    }
+
+    void layoutKeepsItsPlaceWithLongTexts_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("firstPage");
+        QTest::newRow("English") << QStringLiteral("en") << QStringLiteral("Sliders");
+        QTest::newRow("German") << QStringLiteral("de") << QStringLiteral("Schieberegler");
+    }
+
+    void layoutKeepsItsPlaceWithLongTexts()
+    {
+        QFETCH(QString, language);
+        QFETCH(QString, firstPage);
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        if (language != window.language()) {
+            QSignalSpy rebuilt(&window, &GalleryWindow::rebuilt);
+            window.setLanguage(language);
+            QVERIFY(rebuilt.wait());
+        }
+        window.resize(GalleryWindow::minimumWindowSize());
+        QVERIFY(showPage(window, firstPage.toUtf8().constData()));
+        const QSize size = window.size();
+        QCOMPARE(size, GalleryWindow::minimumWindowSize());
+        auto* splitter = window.findChild<QSplitter*>();
+        auto* display = child<QFrame>(window, "display");
+        QVERIFY(splitter && display);
+        const QList<int> panes = splitter->sizes();
+        const QRect displayBox = display->geometry();
+        const QString note = QStringLiteral("A watch on the 40 m band through the evening, noting every carrier heard "
+                                            "above the noise\nand a second line that must not grow the display");
+        QVERIFY(find(rx("notes"))->SetValueFromText(note, nullptr));
+        auto* options = dynamic_cast<values::StringMultiSelection*>(find(rx("options")));
+        QVERIFY(options);
+        for (int key = 1; key <= 3; ++key)
+            QVERIFY(options->SetItemChecked(key, true, nullptr));
+        for (int i = 0; i < 12; ++i)
+            instrument.step();
+        QApplication::processEvents();
+        QCOMPARE(window.size(), size);
+        QCOMPARE(splitter->sizes(), panes);
+        QCOMPARE(display->geometry(), displayBox);
+        // No text of the display overlaps another, whatever its length.
+        QList<QWidget*> shown;
+        for (QWidget* w : display->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (w->isVisible())
+                shown << w;
+        }
+        QCOMPARE(shown.size(), 16); // eight captions and their fields
+        for (int i = 0; i < shown.size(); ++i) {
+            const QRect a(shown[i]->mapTo(&window, QPoint()), shown[i]->size());
+            QVERIFY2(display->rect().contains(QRect(shown[i]->mapTo(display, QPoint()), shown[i]->size())),
+                     qPrintable(shown[i]->objectName()));
+            for (int j = i + 1; j < shown.size(); ++j) {
+                const QRect b(shown[j]->mapTo(&window, QPoint()), shown[j]->size());
+                if (a.intersects(b))
+                    QFAIL(qPrintable(shown[i]->objectName() + QStringLiteral(" overlaps ") + shown[j]->objectName()));
+            }
+        }
+        // A cut text is offered whole in the tool-tip.
+        auto* notes = child<VCLabel>(window, "notesDisplay");
+        QVERIFY(notes->grab().toImage() != QImage()); // painted, so the tool-tip is up to date
+        QCOMPARE(notes->toolTip(), note);
+        // The State column is in sight, also with the long texts in the tree.
+        QTableView* table = window.valueTree()->table();
+        QHeaderView* header = table->horizontalHeader();
+        const int left = header->sectionViewportPosition(ValueTreeModel::StateColumn);
+        QVERIFY(left >= 0);
+        QVERIFY2(left + header->sectionSize(ValueTreeModel::StateColumn) <= table->viewport()->width(),
+                 qPrintable(QStringLiteral("%1 + %2 > %3").arg(left).arg(header->sectionSize(ValueTreeModel::StateColumn))
+                                .arg(table->viewport()->width())));
+        // Its editor shows the longest state whole.
+        ValueStateDelegate delegate;
+        QWidget parent;
+        QScopedPointer<QWidget> editor(delegate.createEditor(&parent, QStyleOptionViewItem(), QModelIndex()));
+        QVERIFY(header->sectionSize(ValueTreeModel::StateColumn) >= editor->sizeHint().width());
+    }
+
+    void removedValueStaysAndRestoresAlone()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Sliders"));
+        ValueTreeModel* model = window.valueTreeModel();
+        auto* slider = child<VCSlider>(window, "volumeSlider");
+        auto* bar = child<VCScrollBar>(window, "volumeScrollBar");
+        QVERIFY(slider && bar && slider->isEnabled() && bar->isEnabled());
+        QVERIFY(setText("gain", "55"));
+        QVERIFY(setText("volume", "70"));
+        QVERIFY(switchTo(model, "volume", Removed));
+        const int row = model->rowOfPath(rx("volume"));
+        QVERIFY(model->isRemovedRow(row));
+        QCOMPARE(cell(*model, rx("volume"), ValueTreeModel::StateColumn), ValueTreeModel::stateName(Removed));
+        // Its controls grey out instead of writing nowhere; the others stay as they are.
+        QVERIFY(!slider->isEnabled() && !bar->isEnabled());
+        QVERIFY(child<VCSlider>(window, "gainSlider")->isEnabled());
+        // Made anew in another language, the window keeps the row and the greyed controls.
+        QSignalSpy rebuilt(&window, &GalleryWindow::rebuilt);
+        window.setLanguage(QStringLiteral("de"));
+        QVERIFY(rebuilt.wait());
+        model = window.valueTreeModel();
+        slider = child<VCSlider>(window, "volumeSlider");
+        bar = child<VCScrollBar>(window, "volumeScrollBar");
+        QCOMPARE(model->rowOfPath(rx("volume")), row);
+        QVERIFY(model->isRemovedRow(row));
+        QVERIFY(!slider->isEnabled() && !bar->isEnabled());
+        // The row's own restore: the value as the instrument makes it, the rest untouched.
+        window.valueTree()->table()->selectRow(row);
+        auto* restore = child<QPushButton>(window, "enableButton");
+        QVERIFY(restore && restore->isEnabled());
+        QTest::mouseClick(restore, Qt::LeftButton);
+        QVERIFY(!model->isRemovedRow(row));
+        QCOMPARE(textOf("volume"), QStringLiteral("40"));
+        QCOMPARE(textOf("gain"), QStringLiteral("55"));
+        QCOMPARE(cell(*model, rx("volume")), QStringLiteral("40"));
+        QVERIFY(slider->isEnabled() && bar->isEnabled());
+        QCOMPARE(slider->value(), 40);
+        // Bound again: input reaches the new value, and the value reaches the controls.
+        slider->setFocus();
+        QTest::keyClick(slider, Qt::Key_Right);
+        QCOMPARE(textOf("volume"), QStringLiteral("41"));
+        QVERIFY(setText("volume", "12"));
+        QCOMPARE(bar->value(), 12);
+        // Restored through the state column as Disabled, it comes back disabled.
+        QVERIFY(switchTo(model, "squelch", Removed));
+        QVERIFY(model->setData(model->index(model->rowOfPath(rx("squelch")), ValueTreeModel::StateColumn), int(Disabled)));
+        QCOMPARE(find(rx("squelch"))->GetState(), int(Disabled));
+        QVERIFY(!child<VCSlider>(window, "squelchSlider")->isEnabled());
+        QVERIFY(!window.restoreValue(QStringLiteral("/receiver/nothing")));
+    }
+
+    void pauseTogglesToResume()
+    {
+        Instrument instrument;
+        instrument.start();
+        GalleryWindow window(&instrument);
+        auto* pause = child<QAction>(window, "pauseAction");
+        QVERIFY(pause);
+        QCOMPARE(pause->text(), QStringLiteral("Pause simulation"));
+        const qint64 pauseIcon = pause->icon().cacheKey();
+        pause->trigger();
+        QVERIFY(!instrument.isRunning());
+        QCOMPARE(pause->text(), QStringLiteral("Resume simulation"));
+        QVERIFY(pause->icon().cacheKey() != pauseIcon);
+        pause->trigger();
+        QVERIFY(instrument.isRunning());
+        QCOMPARE(pause->text(), QStringLiteral("Pause simulation"));
+        // Stopped from elsewhere, the action follows with the next look at the instrument.
+        instrument.stop();
+        window.restoreInstrument();
+        QCOMPARE(pause->text(), QStringLiteral("Resume simulation"));
+        QCOMPARE(window.findChildren<QAction*>(QStringLiteral("restoreAction")).size(), 1);
+        QVERIFY(!window.findChild<QPushButton*>(QStringLiteral("restoreButton")));
+    }
+
+    void scanStopsOnlyWhenTheFrequencyIsEdited()
+    {
+        Instrument instrument;
+        GalleryWindow window(&instrument);
+        QVERIFY(showPage(window, "Sliders", true));
+        QCOMPARE(textOf("scan/active"), QStringLiteral("true"));
+        auto* tabs = window.pages()->findChild<QTabBar*>();
+        int entry = -1;
+        for (int i = 0; i < tabs->count(); ++i) {
+            if (tabs->tabText(i) == QLatin1String("Entry fields"))
+                entry = i;
+        }
+        QTest::mouseClick(tabs, Qt::LeftButton, Qt::NoModifier, tabs->tabRect(entry).center());
+        QCOMPARE(window.pages()->currentIndex(), entry);
+        auto* frequency = child<VCLineEdit>(window, "frequencyLineEdit");
+        frequency->setFocus();
+        QApplication::processEvents();
+        QCOMPARE(textOf("scan/active"), QStringLiteral("true"));
+        QTest::keyClick(frequency, Qt::Key_End);
+        QCOMPARE(textOf("scan/active"), QStringLiteral("true"));
+        QTest::keyClick(frequency, Qt::Key_Backspace);
+        QCOMPARE(textOf("scan/active"), QStringLiteral("false"));
+        QVERIFY(window.statusBar()->currentMessage().contains(QStringLiteral("Scan stopped")));
     }
 };
 

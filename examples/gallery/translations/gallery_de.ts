@@ -434,14 +434,6 @@
         <translation>Jede Zeile ist ein Wert unter /receiver, live. Änderungen leuchten beim Eintreffen auf. Doppelklicken Sie auf einen Zustand oder einen Wert, um ihn zu bearbeiten, oder wählen Sie Zeilen aus und verwenden Sie die Schaltflächen.</translation>
     </message>
     <message>
-        <source>Restore &amp;instrument</source>
-        <translation>&amp;Instrument wiederherstellen</translation>
-    </message>
-    <message>
-        <source>Bring back removed values and enable every value</source>
-        <translation>Entfernte Werte zurückholen und alle Werte aktivieren</translation>
-    </message>
-    <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
     </message>
@@ -456,10 +448,6 @@
     <message>
         <source>Pause simulation</source>
         <translation>Simulation anhalten</translation>
-    </message>
-    <message>
-        <source>Hold the instrument still, so that only your edits move values</source>
-        <translation>Das Instrument anhalten, sodass nur Ihre Änderungen Werte bewegen</translation>
     </message>
     <message>
         <source>Restore instrument</source>
@@ -630,10 +618,6 @@
         <translation>Bandbreite</translation>
     </message>
     <message>
-        <source>The receiver&apos;s filter: the arrows, the keys Up and Down and the wheel step through the filters. A new mode brings its own.</source>
-        <translation>Das Filter des Empfängers: die Pfeile, die Tasten Auf und Ab und das Mausrad schalten durch die Filter. Ein neuer Modus bringt sein eigenes mit.</translation>
-    </message>
-    <message>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
@@ -676,6 +660,50 @@
     <message>
         <source>Switches %1</source>
         <translation>Schaltet %1</translation>
+    </message>
+    <message>
+        <source>Scan stopped: you are editing the frequency</source>
+        <translation>Suchlauf angehalten: Sie bearbeiten die Frequenz</translation>
+    </message>
+    <message>
+        <source>Bring back every removed value as the instrument makes it and enable every value (Ctrl+R)</source>
+        <translation>Jeden entfernten Wert so zurückholen, wie das Instrument ihn anlegt, und alle Werte aktivieren (Strg+R)</translation>
+    </message>
+    <message>
+        <source>Resume simulation</source>
+        <translation>Simulation fortsetzen</translation>
+    </message>
+    <message>
+        <source>Hold the instrument still, so that only your edits move values (F5)</source>
+        <translation>Das Instrument anhalten, sodass nur Ihre Änderungen Werte bewegen (F5)</translation>
+    </message>
+    <message>
+        <source>Let the instrument run again (F5)</source>
+        <translation>Das Instrument wieder laufen lassen (F5)</translation>
+    </message>
+    <message>
+        <source>Restored %1</source>
+        <translation>%1 wiederhergestellt</translation>
+    </message>
+    <message>
+        <source>The receiver&apos;s filter: the arrows, the keys Up and Down and the wheel step through the filters; or type a width such as 6k or 2400 (Hz) and press Return. A new mode brings its own.</source>
+        <translation>Das Filter des Empfängers: die Pfeile, die Tasten Auf und Ab und das Mausrad schalten durch die Filter; oder tippen Sie eine Breite wie 6k oder 2400 (Hz) und drücken Eingabe. Ein neuer Modus bringt sein eigenes mit.</translation>
+    </message>
+    <message>
+        <source>Reception</source>
+        <translation>Empfang</translation>
+    </message>
+    <message>
+        <source>Tuning in kHz: step off a station and back</source>
+        <translation>Abstimmung in kHz: neben einen Sender und zurück</translation>
+    </message>
+    <message>
+        <source>The signal level the instrument measures</source>
+        <translation>Der Signalpegel, den das Instrument misst</translation>
+    </message>
+    <message>
+        <source>Signal</source>
+        <translation>Signal</translation>
     </message>
 </context>
 <context>
@@ -779,6 +807,12 @@
         <source>State</source>
         <translation>Zustand</translation>
     </message>
+    <message>
+        <source>%1
+Removed from the tree: Restore brings it back as the instrument makes it</source>
+        <translation>%1
+Aus dem Baum entfernt: Wiederherstellen holt ihn zurück, wie das Instrument ihn anlegt</translation>
+    </message>
 </context>
 <context>
     <name>ValueTreeView</name>
@@ -793,10 +827,6 @@
     <message>
         <source>&amp;Remove</source>
         <translation>&amp;Entfernen</translation>
-    </message>
-    <message>
-        <source>Enable the selected values</source>
-        <translation>Die ausgewählten Werte aktivieren</translation>
     </message>
     <message>
         <source>Disable the selected values: their controls grey out</source>
@@ -821,6 +851,14 @@
     <message>
         <source>Copy path</source>
         <translation>Pfad kopieren</translation>
+    </message>
+    <message>
+        <source>Restore as the instrument makes it</source>
+        <translation>Wiederherstellen, wie das Instrument ihn anlegt</translation>
+    </message>
+    <message>
+        <source>Enable the selected values; removed ones come back as the instrument makes them</source>
+        <translation>Die ausgewählten Werte aktivieren; entfernte kommen zurück, wie das Instrument sie anlegt</translation>
     </message>
 </context>
 </TS>
