@@ -1,6 +1,7 @@
 #include <vandrel/vclineedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <plinthor/plinthorapp.h>
 #include <plinthor/suffixeddouble.h>
@@ -96,7 +97,8 @@ bool scales(double factor)
 } // namespace
 
 VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
-    : QLineEdit(parent)
+    : UndoRecordingControlBase(Optional())
+    , QLineEdit(parent)
     , m_pTextValue(nullptr)
     , m_pNumericValue(nullptr)
     , m_pSelectionValue(nullptr)
@@ -441,7 +443,9 @@ void VCLineEdit::SetTextFromControl()
 
 bool VCLineEdit::event(QEvent* event)
 {
-    return m_pHeldWrites->Deliver(this, [this, event] { return QLineEdit::event(event); });
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] {
+        return m_pHeldWrites->Deliver(this, [this, event] { return QLineEdit::event(event); });
+    });
 }
 
 // The commit; false when an observer of the write, or the application during the range box, deleted
@@ -685,12 +689,13 @@ bool VCLineEdit::eventFilter(QObject*, QEvent* event)
     case QEvent::FocusIn:
         selectAll();
         return false;
-    case QEvent::FocusOut:
+    case QEvent::FocusOut: {
         // A field deleted by its commit, or by a listener of its signal, eats the event: nothing of it
         // is left to receive it.
-        if (!commit())
+        if (!vandrel::InUserEditSpan(this, [this] { return commit(); }))
             return true;
         return !SurvivesWrite(this, [this] { emit signalTextFinallyChanged(text()); });
+    }
     default:
         return false;
     }

@@ -1,10 +1,12 @@
 #include <vandrel/vcscrollbuttons.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 #include <vandrel/vcbutton.h>
 #include "sliderconversion_p.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QWidget>
 
 #include <climits>
@@ -89,7 +91,8 @@ int stepTowards(int value, long long delta, int limit, bool upwards)
 } // namespace
 
 VCScrollButtons::VCScrollButtons(QWidget* parent, unsigned int flags)
-    : QObject(nullptr)
+    : UndoRecordingControlBase(Optional())
+    , QObject(nullptr)
     , m_pNumericValue(nullptr)
     , m_nFlags(flags)
     , m_nMinValue(0)
@@ -156,6 +159,7 @@ VCButton* VCScrollButtons::MakeButton(const char* name, const char* const* pictu
     auto* button = new VCButton(m_pParentWidget, QString::fromLatin1(name), false);
     button->setToolTip(tr(name));
     button->SetDefaultPicture(picture);
+    button->installEventFilter(this);
     return button;
 }
 
@@ -256,10 +260,17 @@ void VCScrollButtons::Down()
     slotMinusClicked();
 }
 
-bool VCScrollButtons::eventFilter(QObject*, QEvent* event)
+bool VCScrollButtons::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize)
+    const bool onButton = watched == m_pMinusButton || watched == m_pPlusButton || watched == m_pMinusPageButton
+        || watched == m_pPlusPageButton;
+    if (onButton) {
+        if (event->type() == QEvent::MouseButtonPress
+            || (event->type() == QEvent::KeyPress && !static_cast<QKeyEvent*>(event)->isAutoRepeat()))
+            m_undoAction.Begin();
+    } else if (event->type() == QEvent::Resize) {
         LineUpButtons();
+    }
     return false;
 }
 
@@ -339,28 +350,40 @@ void VCScrollButtons::internalValueChanged(int value)
 
 void VCScrollButtons::slotMinusClicked()
 {
-    subtractLine();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::subtractLine);
 }
 
 void VCScrollButtons::slotPlusClicked()
 {
-    addLine();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::addLine);
 }
 
 void VCScrollButtons::slotMinusPageClicked()
 {
-    subtractPage();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::subtractPage);
 }
 
 void VCScrollButtons::slotPlusPageClicked()
 {
-    addPage();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::addPage);
+}
+
+void VCScrollButtons::stepByUser(void (VCScrollButtons::*move)())
+{
+    // A button's repeat ticks and its final click while held belong to the press; anything else
+    // (Up(), Down(), a click from code) is an edit of its own.
+    auto* button = qobject_cast<VCButton*>(sender());
+    const bool fromButton = button && (button == m_pMinusButton || button == m_pPlusButton || button == m_pMinusPageButton
+                                       || button == m_pPlusPageButton);
+    if (!fromButton)
+        m_undoAction.End();
+    const bool held = fromButton && button->isDown();
+    (this->*move)();
+    const bool alive = vandrel::InUserEditSpan(
+        this, [this] { return SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }); }, &m_undoAction);
+    if (!alive)
+        return;
+    if (!held)
+        m_undoAction.End();
+    EnableButtons();
 }

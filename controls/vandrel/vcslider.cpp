@@ -1,6 +1,7 @@
 #include <vandrel/vcslider.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 #include "sliderconversion_p.h"
 
 namespace {
@@ -9,7 +10,8 @@ const vandrel::SliderConversion kConversion{vandrel::RoundToInt, vandrel::RoundT
 } // namespace
 
 VCSlider::VCSlider(QWidget* parent, const char* name)
-    : QSlider(parent)
+    : UndoRecordingControlBase(Optional())
+    , QSlider(parent)
     , m_pNumericValue(nullptr)
 {
     if (name)
@@ -64,6 +66,11 @@ void VCSlider::setMaxValue(int)
 void VCSlider::Update(Observable* source, TChangeCode code)
 {
     vandrel::FollowNumber(this, m_pNumericValue, m_bAdoptingRange, kConversion, source, code);
+}
+
+bool VCSlider::event(QEvent* event)
+{
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] { return QSlider::event(event); });
 }
 
 void VCSlider::InternalValueChanged(int nValue)

@@ -1,6 +1,7 @@
 #include <vandrel/vcspinselectionbox.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <QLineEdit>
 #include <QRegExp>
@@ -19,7 +20,8 @@ QValidator::State VCSpinSelectionBox::Validator::validate(QString&, int&) const
 }
 
 VCSpinSelectionBox::VCSpinSelectionBox(QWidget* parent, const char* name)
-    : NumericSpinBox(parent, name)
+    : UndoRecordingControlBase(Optional())
+    , NumericSpinBox(parent, name)
     , m_cOrderOfMagnitude(L' ')
     , m_pSelectionValue(nullptr)
     , m_pHeldWrites(new HeldWrites)
@@ -96,7 +98,9 @@ void VCSpinSelectionBox::TakeOverItems()
 
 bool VCSpinSelectionBox::event(QEvent* event)
 {
-    return m_pHeldWrites->Deliver(this, [this, event] { return NumericSpinBox::event(event); });
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] {
+        return m_pHeldWrites->Deliver(this, [this, event] { return NumericSpinBox::event(event); });
+    });
 }
 
 int VCSpinSelectionBox::mapTextToValue(bool* ok)

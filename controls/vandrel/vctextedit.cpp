@@ -1,6 +1,7 @@
 #include <vandrel/vctextedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -8,7 +9,8 @@
 #include <QTextCursor>
 
 VCTextEdit::VCTextEdit(QWidget* parent)
-    : QTextEdit(parent)
+    : UndoRecordingControlBase(Optional())
+    , QTextEdit(parent)
     , m_bWritingValue(false)
     , m_bSuppressError(false)
     , m_pTextValue(nullptr)
@@ -90,7 +92,7 @@ bool VCTextEdit::eventFilter(QObject* watched, QEvent* event)
         selectAll(); // the whole text, never a word
         return true;
     case QEvent::FocusOut:
-        emit signalTextFinallyChanged(toPlainText());
+        vandrel::InUserEditSpan(this, [this] { emit signalTextFinallyChanged(toPlainText()); });
         return true;
     default:
         return QAbstractScrollArea::eventFilter(watched, event);

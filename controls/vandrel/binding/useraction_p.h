@@ -66,4 +66,18 @@ bool DeliverUserAction(QObject* control, const UndoRecordingControlBase* undo, U
     return result;
 }
 
+/**
+ * \brief Runs \a body, one complete user edit, in an undo span of its own when \a undo's switch is on
+ * (part of \a group's action when given). With the switch off no span is opened, so that the writes
+ * stay exactly as unrecorded (or as part of an outer span) as before.
+ */
+template <class Body>
+auto InUserEditSpan(const UndoRecordingControlBase* undo, Body&& body, const UndoActionGroup* group = nullptr)
+{
+    if (!undo->IsUndoRecordingEnabled())
+        return body();
+    const GuiUndoRecordingHelper span(undo, QString(), group);
+    return body();
+}
+
 } // namespace vandrel
