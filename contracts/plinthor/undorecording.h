@@ -30,12 +30,10 @@ public:
     static bool OptionalRecordingDefault();
 
 protected:
-    struct Optional
-    {
-    };
-    /// The switch of a control that records only on request: it follows OptionalRecordingDefault()
-    /// until SetUndoRecordingEnabled() sets it.
-    explicit UndoRecordingControlBase(Optional);
+    /// Makes the switch of a control that records only on request follow OptionalRecordingDefault()
+    /// until SetUndoRecordingEnabled() sets it. Called from the control's constructor body, so that it
+    /// holds also when an application's class derived from the control constructs the virtual base.
+    void FollowOptionalRecordingDefault() { m_nSwitch = -1; }
 
 private:
     signed char m_nSwitch; // 1 on, 0 off, -1 following the optional default

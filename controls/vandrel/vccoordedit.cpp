@@ -6,13 +6,13 @@
 #include <plinthor/plinthorapp.h>
 
 VCCoordEdit::VCCoordEdit(QWidget* parent, const char* name, double, double)
-    : UndoRecordingControlBase(Optional())
-    , basecontrols::CoordEdit(parent)
+    : basecontrols::CoordEdit(parent)
     , m_pLongitudeValue(nullptr)
     , m_pLatitudeValue(nullptr)
     , m_pFormatNumericValue(nullptr)
     , m_pFormatSelection(nullptr)
 {
+    FollowOptionalRecordingDefault();
     if (name) {
         setObjectName(QString::fromUtf8(name));
         setToolTip(QString::fromUtf8(name));

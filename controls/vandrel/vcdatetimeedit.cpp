@@ -75,8 +75,7 @@ const char* const kTimeSlot = SLOT(slotSetDateTimeFromControl(const QDateTime&))
 } // namespace
 
 VCDateTimeEdit::VCDateTimeEdit(QWidget* parent, const char* name)
-    : UndoRecordingControlBase(Optional())
-    , QWidget(parent)
+    : QWidget(parent)
     , m_pInt64Value(nullptr)
     , m_pNumericValue(nullptr)
     , m_dtEpoch(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime)
@@ -86,6 +85,7 @@ VCDateTimeEdit::VCDateTimeEdit(QWidget* parent, const char* name)
     , m_bDifferential(false)
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     m_pDaysEdit = new HeldBox<QSpinBox>(this, m_pHeldWrites.get(), this, &m_undoAction);

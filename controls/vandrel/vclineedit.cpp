@@ -97,8 +97,7 @@ bool scales(double factor)
 } // namespace
 
 VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
-    : UndoRecordingControlBase(Optional())
-    , QLineEdit(parent)
+    : QLineEdit(parent)
     , m_pTextValue(nullptr)
     , m_pNumericValue(nullptr)
     , m_pSelectionValue(nullptr)
@@ -119,6 +118,7 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
     , m_strName(QString::fromUtf8(name))
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     setObjectName(m_strName);
     connect(&Plinthor::Instance(), SIGNAL(endEdit(QWidget*)), this, SLOT(onForceFinishEdit(QWidget*)));
     m_strStyleNormal = styleSheet();

@@ -14,10 +14,10 @@ const vandrel::SliderConversion kConversion{vandrel::TruncateToInt, truncatedMax
 } // namespace
 
 VCScrollBar::VCScrollBar(QWidget* parent, const char* name)
-    : UndoRecordingControlBase(Optional())
-    , QScrollBar(parent)
+    : QScrollBar(parent)
     , m_pNumericValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     setObjectName(QString::fromUtf8(name));
     setMinimum(0);
     setMaximum(0);

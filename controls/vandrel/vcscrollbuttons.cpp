@@ -91,8 +91,7 @@ int stepTowards(int value, long long delta, int limit, bool upwards)
 } // namespace
 
 VCScrollButtons::VCScrollButtons(QWidget* parent, unsigned int flags)
-    : UndoRecordingControlBase(Optional())
-    , QObject(nullptr)
+    : QObject(nullptr)
     , m_pNumericValue(nullptr)
     , m_nFlags(flags)
     , m_nMinValue(0)
@@ -102,6 +101,7 @@ VCScrollButtons::VCScrollButtons(QWidget* parent, unsigned int flags)
     , m_nSingleStep(1)
     , m_pParentWidget(parent)
 {
+    FollowOptionalRecordingDefault();
     if (parent)
         parent->installEventFilter(this);
 

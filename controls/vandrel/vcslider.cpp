@@ -10,10 +10,10 @@ const vandrel::SliderConversion kConversion{vandrel::RoundToInt, vandrel::RoundT
 } // namespace
 
 VCSlider::VCSlider(QWidget* parent, const char* name)
-    : UndoRecordingControlBase(Optional())
-    , QSlider(parent)
+    : QSlider(parent)
     , m_pNumericValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     if (name)
         setObjectName(QString::fromUtf8(name));
     setEnabled(false);

@@ -20,12 +20,12 @@ QValidator::State VCSpinSelectionBox::Validator::validate(QString&, int&) const
 }
 
 VCSpinSelectionBox::VCSpinSelectionBox(QWidget* parent, const char* name)
-    : UndoRecordingControlBase(Optional())
-    , NumericSpinBox(parent, name)
+    : NumericSpinBox(parent, name)
     , m_cOrderOfMagnitude(L' ')
     , m_pSelectionValue(nullptr)
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     auto* validator = new Validator(this);
     validator->setObjectName(QString());
     lineEdit()->setValidator(validator);

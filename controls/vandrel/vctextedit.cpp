@@ -9,12 +9,12 @@
 #include <QTextCursor>
 
 VCTextEdit::VCTextEdit(QWidget* parent)
-    : UndoRecordingControlBase(Optional())
-    , QTextEdit(parent)
+    : QTextEdit(parent)
     , m_bWritingValue(false)
     , m_bSuppressError(false)
     , m_pTextValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     VCTextEdit::Initialize(QStringLiteral("VCTextEdit"));
 }
 

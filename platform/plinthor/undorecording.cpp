@@ -11,11 +11,6 @@ UndoRecordingControlBase::UndoRecordingControlBase()
 {
 }
 
-UndoRecordingControlBase::UndoRecordingControlBase(Optional)
-    : m_nSwitch(-1)
-{
-}
-
 UndoRecordingControlBase::~UndoRecordingControlBase() = default;
 
 void UndoRecordingControlBase::SetUndoRecordingEnabled(bool enabled)
