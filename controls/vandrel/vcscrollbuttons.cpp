@@ -262,15 +262,15 @@ void VCScrollButtons::Down()
 
 bool VCScrollButtons::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool onButton = watched == m_pMinusButton || watched == m_pPlusButton || watched == m_pMinusPageButton
-        || watched == m_pPlusPageButton;
-    if (onButton) {
-        if (event->type() == QEvent::MouseButtonPress
-            || (event->type() == QEvent::KeyPress && !static_cast<QKeyEvent*>(event)->isAutoRepeat()))
-            m_undoAction.Begin();
-    } else if (event->type() == QEvent::Resize) {
+    if (event->type() == QEvent::Resize)
         LineUpButtons();
-    }
+    // Only presses are looked at: a button being destroyed gets events too, and is no VCButton then.
+    const bool press = event->type() == QEvent::MouseButtonPress
+        || (event->type() == QEvent::KeyPress && !static_cast<QKeyEvent*>(event)->isAutoRepeat());
+    auto* button = press ? qobject_cast<VCButton*>(watched) : nullptr;
+    if (button
+        && (button == m_pMinusButton || button == m_pPlusButton || button == m_pMinusPageButton || button == m_pPlusPageButton))
+        m_undoAction.Begin();
     return false;
 }
 
