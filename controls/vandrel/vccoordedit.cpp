@@ -1,6 +1,7 @@
 #include <vandrel/vccoordedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <plinthor/plinthorapp.h>
 
@@ -11,6 +12,7 @@ VCCoordEdit::VCCoordEdit(QWidget* parent, const char* name, double, double)
     , m_pFormatNumericValue(nullptr)
     , m_pFormatSelection(nullptr)
 {
+    FollowOptionalRecordingDefault();
     if (name) {
         setObjectName(QString::fromUtf8(name));
         setToolTip(QString::fromUtf8(name));
@@ -144,11 +146,14 @@ void VCCoordEdit::processLineInput()
     if (!isModified())
         return;
     basecontrols::CoordEdit::processLineInput();
-    // Each pointer is tested after the other's write: an observer may remove a value or this field.
-    if (m_pLatitudeValue && !SurvivesWrite(this, [this] { m_pLatitudeValue->SetValue(getLatitude(), this); }))
-        return;
-    if (m_pLongitudeValue)
-        m_pLongitudeValue->SetValue(getLongitude(), this);
+    // Both numbers of the position are one edit. Each pointer is tested after the other's write: an
+    // observer may remove a value or this field.
+    vandrel::InUserEditSpan(this, [this] {
+        if (m_pLatitudeValue && !SurvivesWrite(this, [this] { m_pLatitudeValue->SetValue(getLatitude(), this); }))
+            return;
+        if (m_pLongitudeValue)
+            m_pLongitudeValue->SetValue(getLongitude(), this);
+    });
 }
 
 void VCCoordEdit::Update(Observable* source, TChangeCode code)
@@ -189,42 +194,42 @@ void VCCoordEdit::Update(Observable* source, TChangeCode code)
 
 void VCCoordEdit::slotSetFormat(int id)
 {
-    setFormatNumber(id);
+    vandrel::InUserEditSpan(this, [this, id] { setFormatNumber(id); });
 }
 
 void VCCoordEdit::slotChangeFormatGeoDecimal()
 {
-    setFormat(GeoDecimal);
+    vandrel::InUserEditSpan(this, [this] { setFormat(GeoDecimal); });
 }
 
 void VCCoordEdit::slotChangeFormatGeo()
 {
-    setFormat(Geo);
+    vandrel::InUserEditSpan(this, [this] { setFormat(Geo); });
 }
 
 void VCCoordEdit::slotChangeFormatGeoNoFrac()
 {
-    setFormat(GeoNoFrac);
+    vandrel::InUserEditSpan(this, [this] { setFormat(GeoNoFrac); });
 }
 
 void VCCoordEdit::slotChangeFormatUtm()
 {
-    setFormat(Utm);
+    vandrel::InUserEditSpan(this, [this] { setFormat(Utm); });
 }
 
 void VCCoordEdit::slotChangeFormatUtmRef()
 {
-    setFormat(UtmRef);
+    vandrel::InUserEditSpan(this, [this] { setFormat(UtmRef); });
 }
 
 void VCCoordEdit::slotChangeFormatRT90()
 {
-    setFormat(RT90);
+    vandrel::InUserEditSpan(this, [this] { setFormat(RT90); });
 }
 
 void VCCoordEdit::slotChangeFormatSweRef99()
 {
-    setFormat(SweRef99);
+    vandrel::InUserEditSpan(this, [this] { setFormat(SweRef99); });
 }
 
 void VCCoordEdit::slotCopy2Clipboard()

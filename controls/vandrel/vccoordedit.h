@@ -3,6 +3,7 @@
 #include <vandrel/vandrel_export.h>
 
 #include <plinthor/coordedit.h>
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 /**
@@ -19,8 +20,12 @@
  *
  * The field is enabled and disabled by the state of each bound value, the format selection included;
  * since that selection is bound from the start, the field starts enabled. A removed value is let go.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then each committed coordinate (both
+ * numbers) and each format chosen through a slot is one recording.
  */
-class VANDREL_EXPORT VCCoordEdit : public basecontrols::CoordEdit, public IObserver
+class VANDREL_EXPORT VCCoordEdit : public basecontrols::CoordEdit, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include <vandrel/vcdatetimeedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <QDateTimeEdit>
 #include <QHBoxLayout>
@@ -14,27 +15,34 @@
 namespace {
 
 // A child box whose events pass through the control's held writes: Qt's spin boxes go on touching
-// themselves after they emit a change, and the write that change brings may delete the control.
+// themselves after they emit a change, and the write that change brings may delete the control. The
+// user's actions on the box are the control's, for undo.
 template <class Box>
 class HeldBox : public Box
 {
 public:
-    HeldBox(QWidget* control, HeldWrites* held)
+    HeldBox(QWidget* control, HeldWrites* held, const UndoRecordingControlBase* undo, UndoActionGroup* action)
         : Box(control)
         , m_pControl(control)
         , m_pHeld(held)
+        , m_pUndo(undo)
+        , m_pAction(action)
     {
     }
 
 protected:
     bool event(QEvent* event) override
     {
-        return m_pHeld->Deliver(m_pControl, [this, event] { return Box::event(event); });
+        return vandrel::DeliverUserAction(m_pControl, m_pUndo, *m_pAction, event, [this, event] {
+            return m_pHeld->Deliver(m_pControl, [this, event] { return Box::event(event); });
+        });
     }
 
 private:
     QWidget* m_pControl;
     HeldWrites* m_pHeld;
+    const UndoRecordingControlBase* m_pUndo;
+    UndoActionGroup* m_pAction;
 };
 
 // The low 32 bits, read as signed: the width the time arithmetic of this control keeps.
@@ -77,12 +85,13 @@ VCDateTimeEdit::VCDateTimeEdit(QWidget* parent, const char* name)
     , m_bDifferential(false)
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_pDaysEdit = new HeldBox<QSpinBox>(this, m_pHeldWrites.get());
+    m_pDaysEdit = new HeldBox<QSpinBox>(this, m_pHeldWrites.get(), this, &m_undoAction);
     m_pDaysEdit->setRange(-20000, 20000);
     m_pDaysLabel = new QLabel(tr("Days"), this);
-    m_pDateTimeEdit = new HeldBox<QDateTimeEdit>(this, m_pHeldWrites.get());
+    m_pDateTimeEdit = new HeldBox<QDateTimeEdit>(this, m_pHeldWrites.get(), this, &m_undoAction);
     layout->addWidget(m_pDaysEdit, 0);
     layout->addWidget(m_pDaysLabel, 0);
     layout->addWidget(m_pDateTimeEdit, 0);

@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QAbstractSpinBox>
@@ -34,8 +35,13 @@ class QSpinBox;
  * Binds to a values::Value<long long>, or else to a number (values::IValueNumeric, written as double).
  * Unbound, the control is disabled and writes nothing; bound, the value's state enables and disables
  * it. A value that changes what it was given (refused or limited) is shown again; a number is not.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then a key press or a press of an arrow,
+ * held until its release, or a wheel step on the edit or the days box, is one recording. The writes of
+ * SetDifferential() are not recorded.
  */
-class VANDREL_EXPORT VCDateTimeEdit : public QWidget, public IObserver
+class VANDREL_EXPORT VCDateTimeEdit : public QWidget, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -139,6 +145,7 @@ private:
     QLabel* m_pDaysLabel;
     bool m_bDifferential;
     std::unique_ptr<HeldWrites> m_pHeldWrites; // writes wait until the edit and the box are out of their calls
+    UndoActionGroup m_undoAction;              // a press on either box, until its release
     int m_nMuted = 0;                          // depth of muteTimeEdit()
     unsigned m_nShown = 0;                     // counts the displays begun, so an outer one sees it was overtaken
 };

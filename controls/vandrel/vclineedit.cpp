@@ -1,6 +1,7 @@
 #include <vandrel/vclineedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <plinthor/plinthorapp.h>
 #include <plinthor/suffixeddouble.h>
@@ -117,6 +118,7 @@ VCLineEdit::VCLineEdit(QWidget* parent, const char* name, LineEditType type)
     , m_strName(QString::fromUtf8(name))
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     setObjectName(m_strName);
     connect(&Plinthor::Instance(), SIGNAL(endEdit(QWidget*)), this, SLOT(onForceFinishEdit(QWidget*)));
     m_strStyleNormal = styleSheet();
@@ -441,7 +443,9 @@ void VCLineEdit::SetTextFromControl()
 
 bool VCLineEdit::event(QEvent* event)
 {
-    return m_pHeldWrites->Deliver(this, [this, event] { return QLineEdit::event(event); });
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] {
+        return m_pHeldWrites->Deliver(this, [this, event] { return QLineEdit::event(event); });
+    });
 }
 
 // The commit; false when an observer of the write, or the application during the range box, deleted
@@ -685,12 +689,13 @@ bool VCLineEdit::eventFilter(QObject*, QEvent* event)
     case QEvent::FocusIn:
         selectAll();
         return false;
-    case QEvent::FocusOut:
+    case QEvent::FocusOut: {
         // A field deleted by its commit, or by a listener of its signal, eats the event: nothing of it
         // is left to receive it.
-        if (!commit())
+        if (!vandrel::InUserEditSpan(this, [this] { return commit(); }))
             return true;
         return !SurvivesWrite(this, [this] { emit signalTextFinallyChanged(text()); });
+    }
     default:
         return false;
     }

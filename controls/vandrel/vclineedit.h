@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QLineEdit>
@@ -40,8 +41,12 @@ class HeldWrites;
  * Unbound, the field is disabled until the application enables it. Bound, it is enabled and disabled
  * by the value's state; when the value is removed the field lets go of it and keeps its text.
  * A double click selects the whole text, and so does getting the focus.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then each commit by the user (Enter,
+ * leaving the field) is one recording. Clamping after a change of the value's limits is not recorded.
  */
-class VANDREL_EXPORT VCLineEdit : public QLineEdit, public IObserver
+class VANDREL_EXPORT VCLineEdit : public QLineEdit, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -186,6 +191,7 @@ private:
     QString m_strName;
     bool m_bDestroying = false; // committing from the destructor
     std::unique_ptr<HeldWrites> m_pHeldWrites; // commits wait for Qt's own key and focus handling
+    UndoActionGroup m_undoAction;
     bool m_bFollowingValue = false; // showing a text value's change, so an echo of it is not answered
     // The bound value's content as the field last showed or wrote it: a field deleted while its value
     // notifies a change has not shown that change yet, and its text is no edit to commit.

@@ -1,6 +1,7 @@
 #include <vandrel/vcscrollbar.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 #include "sliderconversion_p.h"
 
 namespace {
@@ -16,6 +17,7 @@ VCScrollBar::VCScrollBar(QWidget* parent, const char* name)
     : QScrollBar(parent)
     , m_pNumericValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     setObjectName(QString::fromUtf8(name));
     setMinimum(0);
     setMaximum(0);
@@ -42,6 +44,11 @@ bool VCScrollBar::Set_ValuePath(const QString& path)
 void VCScrollBar::Update(Observable* source, TChangeCode code)
 {
     vandrel::FollowNumber(this, m_pNumericValue, m_bAdoptingRange, kConversion, source, code);
+}
+
+bool VCScrollBar::event(QEvent* event)
+{
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] { return QScrollBar::event(event); });
 }
 
 void VCScrollBar::internalValueChanged(int x)

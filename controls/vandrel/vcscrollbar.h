@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QScrollBar>
@@ -13,8 +14,12 @@
  * maximum is rounded half up (GetMaximum() + 0.5, truncated), so that limits 0 and 9.6 give the range
  * 0 to 10 while the number 9.6 shows as 9. Every change of the position writes the integer back with
  * the scroll bar as originator.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then a drag from press to release, a
+ * press held on the groove or an arrow, a held key or a wheel step is one recording.
  */
-class VANDREL_EXPORT VCScrollBar : public QScrollBar, public IObserver
+class VANDREL_EXPORT VCScrollBar : public QScrollBar, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -28,6 +33,10 @@ public:
 
     void Update(Observable* source, TChangeCode code) override;
 
+protected:
+    /// Reimplemented to make each user action on the scroll bar one undo recording, when recording is on.
+    bool event(QEvent* event) override;
+
 protected Q_SLOTS:
     /// Writes the position \a x to the bound number, with the scroll bar as originator; nothing while the
     /// scroll bar takes over new limits.
@@ -36,4 +45,5 @@ protected Q_SLOTS:
 private:
     values::IValueNumeric* m_pNumericValue;
     bool m_bAdoptingRange = false;
+    UndoActionGroup m_undoAction;
 };

@@ -1,10 +1,12 @@
 #include <vandrel/vcscrollbuttons.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 #include <vandrel/vcbutton.h>
 #include "sliderconversion_p.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <QWidget>
 
 #include <climits>
@@ -99,6 +101,7 @@ VCScrollButtons::VCScrollButtons(QWidget* parent, unsigned int flags)
     , m_nSingleStep(1)
     , m_pParentWidget(parent)
 {
+    FollowOptionalRecordingDefault();
     if (parent)
         parent->installEventFilter(this);
 
@@ -156,6 +159,7 @@ VCButton* VCScrollButtons::MakeButton(const char* name, const char* const* pictu
     auto* button = new VCButton(m_pParentWidget, QString::fromLatin1(name), false);
     button->setToolTip(tr(name));
     button->SetDefaultPicture(picture);
+    button->installEventFilter(this);
     return button;
 }
 
@@ -256,10 +260,17 @@ void VCScrollButtons::Down()
     slotMinusClicked();
 }
 
-bool VCScrollButtons::eventFilter(QObject*, QEvent* event)
+bool VCScrollButtons::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Resize)
         LineUpButtons();
+    // Only presses are looked at: a button being destroyed gets events too, and is no VCButton then.
+    const bool press = event->type() == QEvent::MouseButtonPress
+        || (event->type() == QEvent::KeyPress && !static_cast<QKeyEvent*>(event)->isAutoRepeat());
+    auto* button = press ? qobject_cast<VCButton*>(watched) : nullptr;
+    if (button
+        && (button == m_pMinusButton || button == m_pPlusButton || button == m_pMinusPageButton || button == m_pPlusPageButton))
+        m_undoAction.Begin();
     return false;
 }
 
@@ -339,28 +350,40 @@ void VCScrollButtons::internalValueChanged(int value)
 
 void VCScrollButtons::slotMinusClicked()
 {
-    subtractLine();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::subtractLine);
 }
 
 void VCScrollButtons::slotPlusClicked()
 {
-    addLine();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::addLine);
 }
 
 void VCScrollButtons::slotMinusPageClicked()
 {
-    subtractPage();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::subtractPage);
 }
 
 void VCScrollButtons::slotPlusPageClicked()
 {
-    addPage();
-    if (SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }))
-        EnableButtons();
+    stepByUser(&VCScrollButtons::addPage);
+}
+
+void VCScrollButtons::stepByUser(void (VCScrollButtons::*move)())
+{
+    // A button's repeat ticks and its final click while held belong to the press; anything else
+    // (Up(), Down(), a click from code) is an edit of its own.
+    auto* button = qobject_cast<VCButton*>(sender());
+    const bool fromButton = button && (button == m_pMinusButton || button == m_pPlusButton || button == m_pMinusPageButton
+                                       || button == m_pPlusPageButton);
+    if (!fromButton)
+        m_undoAction.End();
+    const bool held = fromButton && button->isDown();
+    (this->*move)();
+    const bool alive = vandrel::InUserEditSpan(
+        this, [this] { return SurvivesWrite(this, [this] { internalValueChanged(m_nValue); }); }, &m_undoAction);
+    if (!alive)
+        return;
+    if (!held)
+        m_undoAction.End();
+    EnableButtons();
 }

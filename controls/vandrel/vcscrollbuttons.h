@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QObject>
@@ -43,12 +44,16 @@ public:
  * Every move by a button or by Up() and Down() is written to the bound number with no originator, so
  * the number's answer (clamped into its limits) comes back and sets the position. Bound, the position
  * and the limits follow the number: the lower limit is its minimum truncated toward zero, the upper
- * one its maximum rounded half up. The number's step is not used. Writes are not recorded for undo.
+ * one its maximum rounded half up. The number's step is not used.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then a button held from press to
+ * release (all its repeat steps) and each Up() or Down() is one recording.
  *
  * Unbound, or after the number was removed, the buttons move the local position only. The object has
  * no parent: the application owns it and deletes it, which deletes the buttons.
  */
-class VANDREL_EXPORT VCScrollButtons : public QObject, public IObserver, public IWheelConsumer
+class VANDREL_EXPORT VCScrollButtons : public QObject, public IObserver, public IWheelConsumer, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -124,7 +129,8 @@ public:
     /// A wheel notch down: as a click on the minus button.
     void Down() override;
 
-    /// Lines the buttons up again when the watched widget is resized. Never consumes an event.
+    /// Lines the buttons up again when the watched widget is resized, and marks the start of a press
+    /// on a button for undo. Never consumes an event.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
     void Update(Observable* source, TChangeCode code) override;
@@ -150,6 +156,7 @@ protected Q_SLOTS:
 private:
     VCButton* MakeButton(const char* name, const char* const* picture);
     void Step(int delta);
+    void stepByUser(void (VCScrollButtons::*move)());
 
     values::IValueNumeric* m_pNumericValue;
     unsigned int m_nFlags;
@@ -164,4 +171,5 @@ private:
     QPointer<VCButton> m_pPlusButton;
     QPointer<VCButton> m_pMinusPageButton;
     QPointer<VCButton> m_pPlusPageButton;
+    UndoActionGroup m_undoAction; // a button held down, from press to release
 };

@@ -1,6 +1,7 @@
 #include <vandrel/vcslider.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 #include "sliderconversion_p.h"
 
 namespace {
@@ -12,6 +13,7 @@ VCSlider::VCSlider(QWidget* parent, const char* name)
     : QSlider(parent)
     , m_pNumericValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     if (name)
         setObjectName(QString::fromUtf8(name));
     StartDisabled(this);
@@ -64,6 +66,11 @@ void VCSlider::setMaxValue(int)
 void VCSlider::Update(Observable* source, TChangeCode code)
 {
     vandrel::FollowNumber(this, m_pNumericValue, m_bAdoptingRange, kConversion, source, code);
+}
+
+bool VCSlider::event(QEvent* event)
+{
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] { return QSlider::event(event); });
 }
 
 void VCSlider::InternalValueChanged(int nValue)

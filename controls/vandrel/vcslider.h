@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QSlider>
@@ -17,8 +18,12 @@
  *
  * Unbound, the slider is disabled and moving it changes only itself. Bound, it is enabled and
  * disabled by the value's state; when the value is removed it lets go of it and keeps its look.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then a drag from press to release, a
+ * held key or a wheel step is one recording.
  */
-class VANDREL_EXPORT VCSlider : public QSlider, public IObserver
+class VANDREL_EXPORT VCSlider : public QSlider, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -39,6 +44,10 @@ public:
 
     void Update(Observable* source, TChangeCode code) override;
 
+protected:
+    /// Reimplemented to make each user action on the slider one undo recording, when recording is on.
+    bool event(QEvent* event) override;
+
 private Q_SLOTS:
     void InternalValueChanged(int nValue);
 
@@ -47,4 +56,5 @@ private:
 
     values::IValueNumeric* m_pNumericValue;
     bool m_bAdoptingRange = false;
+    UndoActionGroup m_undoAction;
 };

@@ -1,6 +1,7 @@
 #include <vandrel/vcspinselectionbox.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <QLineEdit>
 #include <QRegExp>
@@ -24,6 +25,7 @@ VCSpinSelectionBox::VCSpinSelectionBox(QWidget* parent, const char* name)
     , m_pSelectionValue(nullptr)
     , m_pHeldWrites(new HeldWrites)
 {
+    FollowOptionalRecordingDefault();
     auto* validator = new Validator(this);
     validator->setObjectName(QString());
     lineEdit()->setValidator(validator);
@@ -96,7 +98,9 @@ void VCSpinSelectionBox::TakeOverItems()
 
 bool VCSpinSelectionBox::event(QEvent* event)
 {
-    return m_pHeldWrites->Deliver(this, [this, event] { return NumericSpinBox::event(event); });
+    return vandrel::DeliverUserAction(this, this, m_undoAction, event, [this, event] {
+        return m_pHeldWrites->Deliver(this, [this, event] { return NumericSpinBox::event(event); });
+    });
 }
 
 int VCSpinSelectionBox::mapTextToValue(bool* ok)

@@ -3,6 +3,7 @@
 #include <vandrel/vandrel_export.h>
 
 #include <plinthor/numericspinbox.h>
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QValidator>
@@ -31,8 +32,12 @@ class HeldWrites;
  * The box takes a new item count after it has taken the current index, so an index beyond the former
  * count is first clamped to it, and the item at the clamped index is selected. Applications that grow
  * the list and move the current item beyond its former end in one notification see that item chosen.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then a key or arrow held from press to
+ * release, or a wheel step, is one recording.
  */
-class VANDREL_EXPORT VCSpinSelectionBox : public NumericSpinBox, public IObserver
+class VANDREL_EXPORT VCSpinSelectionBox : public NumericSpinBox, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 
@@ -91,4 +96,5 @@ private:
     values::ValueSelection* m_pSelectionValue;
     bool m_bTakingOver = false; // taking over the selection's items: what Qt shows meanwhile is no pick
     std::unique_ptr<HeldWrites> m_pHeldWrites; // writes wait for the spin box's own event handling
+    UndoActionGroup m_undoAction;
 };

@@ -1,6 +1,7 @@
 #include <vandrel/vctextedit.h>
 
 #include <vandrel/binding/binding.h>
+#include <vandrel/binding/useraction_p.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,6 +14,7 @@ VCTextEdit::VCTextEdit(QWidget* parent)
     , m_bSuppressError(false)
     , m_pTextValue(nullptr)
 {
+    FollowOptionalRecordingDefault();
     VCTextEdit::Initialize(QStringLiteral("VCTextEdit"));
 }
 
@@ -90,7 +92,7 @@ bool VCTextEdit::eventFilter(QObject* watched, QEvent* event)
         selectAll(); // the whole text, never a word
         return true;
     case QEvent::FocusOut:
-        emit signalTextFinallyChanged(toPlainText());
+        vandrel::InUserEditSpan(this, [this] { emit signalTextFinallyChanged(toPlainText()); });
         return true;
     default:
         return QAbstractScrollArea::eventFilter(watched, event);

@@ -2,6 +2,7 @@
 
 #include <vandrel/vandrel_export.h>
 
+#include <plinthor/undorecording.h>
 #include <values/values.h>
 
 #include <QTextEdit>
@@ -13,13 +14,17 @@
  * (whether shown or not, unless the application is closing down), always with itself as originator.
  * A keystroke alone writes nothing; Return adds a line. Each change of the value from elsewhere
  * replaces the text, and a selection of the whole (single-line) text survives that. A double click
- * selects the whole text. Writes are not recorded for undo.
+ * selects the whole text.
+ *
+ * Undo: records only on request (SetUndoRecordingEnabled(true) or
+ * UndoRecordingControlBase::SetOptionalRecordingDefault(true)); then each commit by losing the focus is
+ * one recording. The write of a field being destroyed is never recorded.
  *
  * Unbound, the field is disabled, and once enabled by the application losing the focus only emits
  * signalTextFinallyChanged(). Bound, it is enabled and disabled by the value's state; when the value
  * is removed it lets go of it and keeps its text.
  */
-class VANDREL_EXPORT VCTextEdit : public QTextEdit, public IObserver
+class VANDREL_EXPORT VCTextEdit : public QTextEdit, public IObserver, public virtual UndoRecordingControlBase
 {
     Q_OBJECT
 

@@ -40,10 +40,12 @@ UndoRecorder& UndoRecorder::Instance()
     return *recorder;
 }
 
-void UndoRecorder::BeginSpan(bool enabled, const QString& description)
+void UndoRecorder::BeginSpan(bool enabled, const QString& description, unsigned long long group)
 {
-    if (m_spans.empty())
+    if (m_spans.empty()) {
         m_open.description = description;
+        m_open.group = group;
+    }
     m_spans.push_back(enabled);
 }
 
@@ -59,11 +61,45 @@ void UndoRecorder::EndSpan()
     }
     Recording recording = std::move(m_open);
     m_open = Recording();
-    // The text of an undescribed edit is made when someone reads it; most never are.
-    m_recordings.push_back(std::move(recording));
+    // A new edit makes what was undone unreachable in order: redoing it now would skip this edit.
+    m_undone.clear();
+    if (recording.group != 0 && !m_recordings.empty() && m_recordings.back().group == recording.group) {
+        merge(m_recordings.back(), std::move(recording));
+    } else {
+        // The text of an undescribed edit is made when someone reads it; most never are.
+        m_recordings.push_back(std::move(recording));
+        trim();
+    }
+    changed();
+}
+
+void UndoRecorder::merge(Recording& into, Recording&& from)
+{
+    for (Step& step : from.steps) {
+        auto it = std::find_if(into.steps.begin(), into.steps.end(), [&step](const Step& s) { return s.value == step.value; });
+        if (it == into.steps.end()) {
+            into.steps.push_back(std::move(step));
+            continue;
+        }
+        // The action's first write keeps what stood before it; the last one says where it ended.
+        it->redo = std::move(step.redo);
+        it->textAfter = step.textAfter;
+        if (!it->undo)
+            it->undo = std::move(step.undo);
+    }
+    into.formerPaths << from.formerPaths;
+    if (into.made) {
+        into.description.clear();
+        into.made = false;
+    }
+}
+
+void UndoRecorder::trim()
+{
     while (int(m_recordings.size()) > m_nLimit)
         m_recordings.pop_front();
-    changed();
+    while (int(m_undone.size()) > m_nLimit)
+        m_undone.pop_front();
 }
 
 bool UndoRecorder::IsRecording() const
@@ -104,6 +140,15 @@ QString UndoRecorder::describe(const Recording& recording)
     return text;
 }
 
+const QString& UndoRecorder::textOf(const Recording& recording)
+{
+    if (recording.description.isEmpty()) {
+        recording.description = describe(recording);
+        recording.made = true;
+    }
+    return recording.description;
+}
+
 bool UndoRecorder::touches(const Recording& recording, const QString& basePath) const
 {
     return std::any_of(recording.steps.begin(), recording.steps.end(),
@@ -117,9 +162,69 @@ std::list<QString> UndoRecorder::Descriptions(const QString& basePath) const
     std::list<QString> list;
     for (auto it = m_recordings.rbegin(); it != m_recordings.rend(); ++it) {
         if (touches(*it, basePath))
-            list.push_back(it->description.isEmpty() ? (it->description = describe(*it)) : it->description);
+            list.push_back(textOf(*it));
     }
     return list;
+}
+
+std::list<QString> UndoRecorder::RedoDescriptions(const QString& basePath) const
+{
+    std::list<QString> list;
+    for (auto it = m_undone.rbegin(); it != m_undone.rend(); ++it) {
+        if (touches(*it, basePath))
+            list.push_back(textOf(*it));
+    }
+    return list;
+}
+
+std::vector<UndoRecorder::Recording> UndoRecorder::takeNewest(std::deque<Recording>& from, const QString& basePath,
+                                                               unsigned int count) const
+{
+    std::vector<size_t> picked; // positions, newest first
+    for (size_t i = from.size(); i-- > 0 && picked.size() < count;) {
+        if (touches(from[i], basePath))
+            picked.push_back(i);
+    }
+    std::vector<Recording> batch;
+    if (picked.size() < count)
+        return batch;
+    batch.reserve(picked.size());
+    for (size_t i : picked)
+        batch.push_back(std::move(from[i]));
+    for (size_t i : picked) // descending, so earlier positions stay valid
+        from.erase(from.begin() + std::ptrdiff_t(i));
+    return batch;
+}
+
+bool UndoRecorder::run(std::vector<Recording>& batch, bool undo)
+{
+    bool ok = true;
+    m_bUndoing = true;
+    m_pExecuting = &batch;
+    for (Recording& recording : batch) {
+        recording.group = 0; // an action still under way starts a recording of its own from here
+        const auto execute = [&ok](Step& step, const std::unique_ptr<Command>& command) {
+            if (step.value && command)
+                ok = command->Execute() && ok;
+            else
+                ok = false;
+        };
+        if (undo) {
+            for (auto step = recording.steps.rbegin(); step != recording.steps.rend(); ++step)
+                execute(*step, step->undo);
+        } else {
+            for (Step& step : recording.steps)
+                execute(step, step.redo);
+        }
+    }
+    m_pExecuting = nullptr;
+    m_bUndoing = false;
+    // A value that went during the run takes its recordings along, as it would have outside one.
+    const auto gone = [](const Recording& recording) {
+        return std::any_of(recording.steps.begin(), recording.steps.end(), [](const Step& s) { return !s.value; });
+    };
+    batch.erase(std::remove_if(batch.begin(), batch.end(), gone), batch.end());
+    return ok;
 }
 
 bool UndoRecorder::Undo(const QString& basePath, unsigned int count)
@@ -127,32 +232,28 @@ bool UndoRecorder::Undo(const QString& basePath, unsigned int count)
     if (count == 0 || m_bUndoing)
         return false;
     // Take the recordings out first: undoing writes values, and observers may react in any way.
-    std::vector<size_t> picked; // positions, newest first
-    for (size_t i = m_recordings.size(); i-- > 0 && picked.size() < count;) {
-        if (touches(m_recordings[i], basePath))
-            picked.push_back(i);
-    }
-    if (picked.size() < count)
+    std::vector<Recording> batch = takeNewest(m_recordings, basePath, count);
+    if (batch.empty())
         return false;
-    std::vector<Recording> batch;
-    batch.reserve(picked.size());
-    for (size_t i : picked)
-        batch.push_back(std::move(m_recordings[i]));
-    for (size_t i : picked) // descending, so earlier positions stay valid
-        m_recordings.erase(m_recordings.begin() + std::ptrdiff_t(i));
-    bool ok = true;
-    m_bUndoing = true;
-    m_pExecuting = &batch;
-    for (Recording& recording : batch) {
-        for (auto step = recording.steps.rbegin(); step != recording.steps.rend(); ++step) {
-            if (step->value && step->undo)
-                ok = step->undo->Execute() && ok;
-            else
-                ok = false;
-        }
-    }
-    m_pExecuting = nullptr;
-    m_bUndoing = false;
+    const bool ok = run(batch, true);
+    for (Recording& recording : batch) // newest first: the last one undone ends up last
+        m_undone.push_back(std::move(recording));
+    trim();
+    changed();
+    return ok;
+}
+
+bool UndoRecorder::Redo(const QString& basePath, unsigned int count)
+{
+    if (count == 0 || m_bUndoing)
+        return false;
+    std::vector<Recording> batch = takeNewest(m_undone, basePath, count);
+    if (batch.empty())
+        return false;
+    const bool ok = run(batch, false);
+    for (Recording& recording : batch) // the last one undone is redone first and is the older edit
+        m_recordings.push_back(std::move(recording));
+    trim();
     changed();
     return ok;
 }
@@ -160,16 +261,16 @@ bool UndoRecorder::Undo(const QString& basePath, unsigned int count)
 void UndoRecorder::Clear()
 {
     m_recordings.clear();
+    m_undone.clear();
     changed();
 }
 
 void UndoRecorder::SetHistoryLimit(int limit)
 {
     m_nLimit = qMax(1, limit);
-    if (int(m_recordings.size()) <= m_nLimit)
+    if (int(m_recordings.size()) <= m_nLimit && int(m_undone.size()) <= m_nLimit)
         return;
-    while (int(m_recordings.size()) > m_nLimit)
-        m_recordings.pop_front();
+    trim();
     changed();
 }
 
@@ -192,9 +293,10 @@ void UndoRecorder::ForgetValue(const ValueBase* value)
     }
     m_open.steps.erase(std::remove_if(m_open.steps.begin(), m_open.steps.end(), [value](const Step& s) { return s.value == value; }),
                        m_open.steps.end());
-    const auto before = m_recordings.size();
+    const auto before = m_recordings.size() + m_undone.size();
     m_recordings.erase(std::remove_if(m_recordings.begin(), m_recordings.end(), touchesValue), m_recordings.end());
-    if (m_recordings.size() != before)
+    m_undone.erase(std::remove_if(m_undone.begin(), m_undone.end(), touchesValue), m_undone.end());
+    if (m_recordings.size() + m_undone.size() != before)
         changed();
 }
 
@@ -240,6 +342,16 @@ bool UndoRecordingsToValueClient::ExecuteUndo(unsigned int recording)
 std::list<QString> UndoRecordingsToValueClient::GetUndoRecordingDescriptions()
 {
     return UndoRecorder::Instance().Descriptions(m_strBasePath);
+}
+
+bool UndoRecordingsToValueClient::ExecuteRedo(unsigned int recording)
+{
+    return UndoRecorder::Instance().Redo(m_strBasePath, recording);
+}
+
+std::list<QString> UndoRecordingsToValueClient::GetRedoRecordingDescriptions()
+{
+    return UndoRecorder::Instance().RedoDescriptions(m_strBasePath);
 }
 
 void UndoRecordingsToValueClient::Update(Observable*, TChangeCode)

@@ -2,8 +2,12 @@
 
 #include <values/undo.h>
 
+namespace {
+bool optionalDefault = false;
+}
+
 UndoRecordingControlBase::UndoRecordingControlBase()
-    : m_bUndoRecordingEnabled(true)
+    : m_nSwitch(1)
 {
 }
 
@@ -11,12 +15,39 @@ UndoRecordingControlBase::~UndoRecordingControlBase() = default;
 
 void UndoRecordingControlBase::SetUndoRecordingEnabled(bool enabled)
 {
-    m_bUndoRecordingEnabled = enabled;
+    m_nSwitch = enabled ? 1 : 0;
+}
+
+bool UndoRecordingControlBase::IsUndoRecordingEnabled() const
+{
+    return m_nSwitch < 0 ? optionalDefault : m_nSwitch > 0;
+}
+
+void UndoRecordingControlBase::SetOptionalRecordingDefault(bool enabled)
+{
+    optionalDefault = enabled;
+}
+
+bool UndoRecordingControlBase::OptionalRecordingDefault()
+{
+    return optionalDefault;
+}
+
+void UndoActionGroup::Begin()
+{
+    m_nGroup = values::UndoRecorder::Instance().NewGroup();
 }
 
 GuiUndoRecordingHelper::GuiUndoRecordingHelper(const UndoRecordingControlBase* control, const QString& description)
+    : GuiUndoRecordingHelper(control, description, nullptr)
 {
-    values::UndoRecorder::Instance().BeginSpan(control && control->IsUndoRecordingEnabled(), description);
+}
+
+GuiUndoRecordingHelper::GuiUndoRecordingHelper(const UndoRecordingControlBase* control, const QString& description,
+                                               const UndoActionGroup* group)
+{
+    values::UndoRecorder::Instance().BeginSpan(control && control->IsUndoRecordingEnabled(), description,
+                                               group ? group->Group() : 0);
 }
 
 GuiUndoRecordingHelper::~GuiUndoRecordingHelper()

@@ -190,6 +190,8 @@ struct Harness
         });
         boxCloser.start(5);
         undoHistory = std::make_unique<values::UndoRecordingsToValueClient>(QStringLiteral("/"));
+        // Odd seeds walk with every control recording, so that undo and redo meet their edits too.
+        UndoRecordingControlBase::SetOptionalRecordingDefault(seed % 2 == 1);
     }
     ~Harness()
     {
@@ -1838,6 +1840,10 @@ QString step(Harness& h, const std::vector<Driver>& drivers)
     if (kind < 76) { // the application undoes the newest recording
         for (int i = 0; i < kCells; ++i)
             h.writable.insert(i);
+        if (h.chance(0.25)) {
+            h.undoHistory->ExecuteRedo(1);
+            return QStringLiteral("redo");
+        }
         h.undoHistory->ExecuteUndo(1);
         return QStringLiteral("undo");
     }

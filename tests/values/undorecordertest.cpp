@@ -23,6 +23,12 @@ QStringList descriptions(values::UndoRecordingsToValueClient& client)
     return QStringList(all.begin(), all.end());
 }
 
+QStringList redoDescriptions(values::UndoRecordingsToValueClient& client)
+{
+    const std::list<QString> all = client.GetRedoRecordingDescriptions();
+    return QStringList(all.begin(), all.end());
+}
+
 template <class F>
 void userEdit(const UndoRecordingControlBase& control, F&& write)
 {
@@ -236,6 +242,111 @@ private Q_SLOTS:
         QVERIFY(!client.ExecuteUndo(1)); // b could not be restored
         QCOMPARE(a->GetValue(), 0);
         a->Detach(&remover);
+    }
+
+    void redo()
+    {
+        auto* gain = new values::IntNumeric(10, 0, 60, 1);
+        auto* level = new values::IntNumeric(0, 0, 60, 1);
+        QVERIFY(tree().Add(QStringLiteral("/rx/gain"), gain));
+        QVERIFY(tree().Add(QStringLiteral("/rx/level"), level));
+        values::UndoRecordingsToValueClient client(QStringLiteral("/rx"));
+        Listener listener;
+        client.AddUndoRecordingsListener(&listener);
+        UndoRecordingControlBase control;
+        userEdit(control, [&] { gain->SetValue(20, nullptr); });
+        userEdit(control, [&] { gain->SetValue(30, nullptr); });
+        userEdit(control, [&] { level->SetValue(5, nullptr); });
+        const QStringList edits = descriptions(client); // level 0→5, gain 20→30, gain 10→20
+        QVERIFY(!client.ExecuteRedo(1));
+
+        // Undo two, redo one: the one undone last comes back first, reading as it did.
+        QVERIFY(client.ExecuteUndo(2));
+        QCOMPARE(gain->GetValue(), 20.0);
+        QCOMPARE(level->GetValue(), 0.0);
+        QCOMPARE(redoDescriptions(client), (QStringList{edits[1], edits[0]}));
+        const int heard = listener.calls;
+        QVERIFY(client.ExecuteRedo(1));
+        QCOMPARE(listener.calls, heard + 1);
+        QCOMPARE(gain->GetValue(), 30.0);
+        QCOMPARE(level->GetValue(), 0.0);
+        QCOMPARE(descriptions(client), (QStringList{edits[1], edits[2]}));
+        QCOMPARE(redoDescriptions(client), QStringList{edits[0]});
+        QVERIFY(!client.ExecuteRedo(2)); // asks for more than there is: nothing runs
+        QCOMPARE(level->GetValue(), 0.0);
+
+        // Undo, redo, undo: the same recording goes back and forth.
+        QVERIFY(client.ExecuteUndo(1));
+        QVERIFY(client.ExecuteRedo(1));
+        QVERIFY(client.ExecuteUndo(1));
+        QCOMPARE(gain->GetValue(), 20.0);
+        QCOMPARE(redoDescriptions(client), (QStringList{edits[1], edits[0]}));
+
+        // Another branch lists only its own; a new recording drops everything a redo could bring back.
+        values::UndoRecordingsToValueClient levels(QStringLiteral("/rx/level"));
+        QCOMPARE(redoDescriptions(levels), QStringList{edits[0]});
+        userEdit(control, [&] { gain->SetValue(40, nullptr); });
+        QCOMPARE(redoDescriptions(client), QStringList());
+        QVERIFY(!client.ExecuteRedo(1));
+
+        // A value that goes takes its waiting redo with it.
+        userEdit(control, [&] { level->SetValue(9, nullptr); });
+        QVERIFY(client.ExecuteUndo(1));
+        QCOMPARE(redoDescriptions(client).size(), 1);
+        QVERIFY(tree().Remove(QStringLiteral("/rx/level")));
+        QCOMPARE(redoDescriptions(client), QStringList());
+        QVERIFY(!client.ExecuteRedo(1));
+
+        // The redo list is bounded like the history.
+        values::UndoRecorder::Instance().SetHistoryLimit(2);
+        for (int v : {41, 42, 43})
+            userEdit(control, [&] { gain->SetValue(v, nullptr); });
+        QVERIFY(client.ExecuteUndo(2));
+        values::UndoRecorder::Instance().SetHistoryLimit(1);
+        QCOMPARE(redoDescriptions(client).size(), 1);
+        QVERIFY(client.ExecuteRedo(1));
+        QCOMPARE(gain->GetValue(), 42.0);
+        client.RemoveUndoRecordingsListener(&listener);
+    }
+
+    void actionGroups()
+    {
+        auto* gain = new values::IntNumeric(10, 0, 60, 1);
+        auto* level = new values::IntNumeric(0, 0, 60, 1);
+        QVERIFY(tree().Add(QStringLiteral("/rx/gain"), gain));
+        QVERIFY(tree().Add(QStringLiteral("/rx/level"), level));
+        values::UndoRecordingsToValueClient client(QStringLiteral("/rx"));
+        UndoRecordingControlBase control;
+        UndoActionGroup drag;
+        const auto inDrag = [&](int v) {
+            GuiUndoRecordingHelper span(&control, QString(), &drag);
+            gain->SetValue(v, nullptr);
+        };
+        drag.Begin();
+        inDrag(11);
+        QCOMPARE(descriptions(client), QStringList{QStringLiteral("/rx/gain: 10 \u2192 11")});
+        inDrag(12);
+        inDrag(13);
+        // One recording; its text, read before, is made again for where the drag ended.
+        QCOMPARE(descriptions(client), QStringList{QStringLiteral("/rx/gain: 10 \u2192 13")});
+
+        // A recording of something else in between: the action goes on in a recording of its own.
+        userEdit(control, [&] { level->SetValue(1, nullptr); });
+        inDrag(14);
+        QCOMPARE(descriptions(client).size(), 3);
+        drag.End();
+        inDrag(15);
+        QCOMPARE(descriptions(client).size(), 4);
+        drag.Begin();
+        inDrag(16); // a new action never joins the one before
+        QCOMPARE(descriptions(client).size(), 5);
+
+        QVERIFY(client.ExecuteUndo(5));
+        QCOMPARE(gain->GetValue(), 10.0);
+        QCOMPARE(level->GetValue(), 0.0);
+        // An undone action's recording takes no more writes, even with the group still open.
+        inDrag(17);
+        QCOMPARE(descriptions(client), QStringList{QStringLiteral("/rx/gain: 10 \u2192 17")});
     }
 };
 

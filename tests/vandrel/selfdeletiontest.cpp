@@ -701,18 +701,24 @@ private Q_SLOTS:
     {
         tree().Clear();
         values::UndoRecorder::Instance().Clear();
+        UndoRecordingControlBase::SetOptionalRecordingDefault(false);
     }
 
     void deletedByAnObserverOfItsOwnWrite_data()
     {
         QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("recording"); // also every control that records only on request
         for (int i = 0; i < cases().size(); ++i)
-            QTest::newRow(cases().at(i).name) << i;
+            QTest::newRow(cases().at(i).name) << i << false;
+        for (int i = 0; i < cases().size(); ++i)
+            QTest::newRow(qPrintable(QStringLiteral("%1, recording").arg(QLatin1String(cases().at(i).name)))) << i << true;
     }
 
     void deletedByAnObserverOfItsOwnWrite()
     {
         QFETCH(int, row);
+        QFETCH(bool, recording);
+        UndoRecordingControlBase::SetOptionalRecordingDefault(recording);
         const Case& c = cases().at(row);
         QWidget window;
         window.resize(300, 120);
@@ -736,6 +742,7 @@ private Q_SLOTS:
         QTRY_VERIFY(closer.closed > 0);
         QVERIFY(control.isNull());
         QVERIFY(c.wrote());
+        QVERIFY(!values::UndoRecorder::Instance().IsRecording()); // no span left open by the deletion
         // Events still queued for the control must find nothing of it, and Qt must not hold it as its
         // focus widget: the focus moves on as usual.
         QTest::qWait(250);
