@@ -66,8 +66,8 @@ T* FindValue(const QString& path)
  * \brief Detaches \a observer from \a oldValue, finds the value at \a path, casts it to \a T and
  * attaches \a observer to it.
  *
- * Returns null for an absent tree, an unknown path or a value of another kind; nothing is reported.
- * The caller stores the result in all cases, so that a failed lookup leaves it unbound and detached.
+ * Returns null for an absent tree, an unknown path or a value of another kind; no error is reported, but the
+ * value-status display hears of it. The caller stores the result, so that a failed lookup leaves it unbound.
  */
 template <class T>
 T* FindAndAttach(const QString& path, T* oldValue, IObserver* observer)
