@@ -12,7 +12,7 @@
  * from an event filter, and both exist only while a control has something to show.
  *
  * The binding helpers of binding.h report to it, so a control of an application's own that binds with
- * them is shown too. A control that binds through an observer that is not itself (a menu's items) is not.
+ * them is shown too, but not an observer that is no widget (VCScrollButtons); compounds show it on inner widgets.
  */
 
 #include <vandrel/vandrel_export.h>
