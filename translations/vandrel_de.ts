@@ -118,4 +118,23 @@ Zulässiger Bereich von %2 bis %3.</translation>
         <translation>Rückgängig</translation>
     </message>
 </context>
+<context>
+    <name>vandrel::ValueStatus</name>
+    <message>
+        <source>not found</source>
+        <translation>nicht gefunden</translation>
+    </message>
+    <message>
+        <source>removed</source>
+        <translation>entfernt</translation>
+    </message>
+    <message>
+        <source>disabled</source>
+        <translation>gesperrt</translation>
+    </message>
+    <message>
+        <source>(no path)</source>
+        <translation>(kein Pfad)</translation>
+    </message>
+</context>
 </TS>

@@ -34,3 +34,4 @@
 #include <vandrel/vcpopupmenu.h>
 #include <vandrel/vcmenubar.h>
 #include <vandrel/vcselectionpopup.h>
+#include <vandrel/valuestatus.h>

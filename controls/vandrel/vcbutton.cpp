@@ -84,7 +84,8 @@ VCButton::~VCButton()
 
 bool VCButton::SetValueSelection_ValuePath(const QString& path)
 {
-    m_pValueSelection = FindAndAttach<values::ValueSelection>(path, m_pValueSelection, this);
+    DetachValue(m_pValueSelection, this);
+    m_pValueSelection = FindAndAttach<values::ValueSelection>(path, nullptr, this);
     // The state value may be the selection let go: it must keep telling its state, and its removal.
     if (m_pStateValue)
         ObservableOf(m_pStateValue)->Attach(this);
@@ -99,7 +100,8 @@ bool VCButton::SetValueSelection_ValuePath(const QString& path)
 
 bool VCButton::SetState_ValuePath(const QString& path)
 {
-    m_pStateValue = FindAndAttach<values::ValueBase>(path, m_pStateValue, this);
+    DetachValue(m_pStateValue, this);
+    m_pStateValue = FindAndAttach<values::ValueBase>(path, nullptr, this);
     if (m_pValueSelection) // it may be the state value let go
         ObservableOf(m_pValueSelection)->Attach(this);
     SyncObserver(m_pStateValue, this);

@@ -53,10 +53,7 @@ VCButtonGroup::~VCButtonGroup()
 bool VCButtonGroup::SetValueSelection_ValuePath(const QString& path)
 {
     DetachValue(m_pValueSelection, this);
-    values::ValueSelection* found = nullptr;
-    if (values::Tree* tree = values::Tree::Instance())
-        found = dynamic_cast<values::ValueSelection*>(tree->Find(path));
-    return SetValueSelection(found);
+    return SetValueSelection(FindForSlot<values::ValueSelection>(path, m_pValueSelection, this));
 }
 
 bool VCButtonGroup::SetValueSelection(values::ValueSelection* selection)

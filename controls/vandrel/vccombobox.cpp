@@ -548,6 +548,7 @@ void VCComboBoxButtonStyle::LetGo(T*& field)
     // The same value may stand in two roles: it stays attached while another role holds it.
     Observable* value = ObservableOf(field);
     field = nullptr;
+    NameBindingSlot(field, this);
     if (value && !Holds(value))
         value->Detach(this);
 }

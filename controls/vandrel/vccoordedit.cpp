@@ -36,10 +36,7 @@ bool VCCoordEdit::bindCoordinate(const QString& path, values::IValueNumeric*& fi
 {
     // Unlike the usual binding, a failed lookup keeps the former value, and the new one is attached
     // only after its first picture.
-    values::Tree* tree = values::Tree::Instance();
-    if (!tree)
-        return false;
-    auto* value = dynamic_cast<values::IValueNumeric*>(tree->Find(path));
+    auto* value = FindForSlot<values::IValueNumeric>(path, field, this);
     if (!value)
         return false;
     DetachValue(field, this);

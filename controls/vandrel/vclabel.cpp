@@ -142,6 +142,8 @@ bool VCLabel::SetText_ValuePath(const QString& path, bool observe)
     Observable* former = ObservableOf(m_pNumericValue);
     m_pNumericValue = nullptr;
     letGo(former);
+    NameBindingSlot(m_pTextValue, this); // the same role: what the text showed goes too
+    NameBindingSlot(m_pNumericValue, this);
     m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     if (m_pNumericValue) {
         m_bFollowNumeric = true; // the first picture is taken in any case
@@ -152,6 +154,7 @@ bool VCLabel::SetText_ValuePath(const QString& path, bool observe)
     former = ObservableOf(m_pTextValue);
     m_pTextValue = nullptr;
     letGo(former);
+    NameBindingSlot(m_pTextValue, this);
     m_pTextValue = FindAndAttach<values::ValueBase>(path, nullptr, this);
     m_bFollowText = true;
     SyncObserver(m_pTextValue, this);
@@ -164,6 +167,7 @@ bool VCLabel::SetNumericOffset_ValuePath(const QString& path, bool observe)
     Observable* former = ObservableOf(m_pNumericOffsetValue);
     m_pNumericOffsetValue = nullptr;
     letGo(former);
+    NameBindingSlot(m_pNumericOffsetValue, this);
     m_pNumericOffsetValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     m_bFollowOffset = true;
     SyncObserver(m_pNumericOffsetValue, this);
@@ -176,6 +180,7 @@ bool VCLabel::SetNoValue_ValuePath(const QString& path)
     Observable* former = ObservableOf(m_pNoValueValue);
     m_pNoValueValue = nullptr;
     letGo(former);
+    NameBindingSlot(m_pNoValueValue, this);
     m_pNoValueValue = FindAndAttach<values::Value<bool>>(path, nullptr, this);
     SyncObserver(m_pNoValueValue, this);
     return m_pNoValueValue != nullptr;
@@ -186,6 +191,7 @@ bool VCLabel::SetUpdateNow_ValuePath(const QString& path)
     Observable* former = ObservableOf(m_pUpdateNowValue);
     m_pUpdateNowValue = nullptr;
     letGo(former);
+    NameBindingSlot(m_pUpdateNowValue, this);
     m_pUpdateNowValue = FindAndAttach<values::ValueNumeric<int>>(path, nullptr, this);
     m_bFollowNumeric = false;
     m_bFollowText = false;

@@ -67,6 +67,7 @@ bool VCMenuBar::SetSelection_ValuePath(int id, QString path, QString inVal, QStr
     return GuardedBinding(kUnit, __LINE__, [&] {
         if (!ActionAt(id))
             return false;
+        NameBindingSlot(m_tuples[id].sel, this);
         values::ValueSelection* value = FindAndAttach<values::ValueSelection>(path, nullptr, this);
         if (!value)
             return m_tuples[id].sel != nullptr; // the former binding stays in force

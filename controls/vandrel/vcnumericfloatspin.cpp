@@ -91,7 +91,8 @@ QValidator::State VCNumericFloatSpin::validate(QString& text, int& pos) const
 
 bool VCNumericFloatSpin::SetNumeric_ValuePath(const QString& path)
 {
-    m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, m_pNumericValue, this);
+    DetachValue(m_pNumericValue, this);
+    m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     if (m_pNumericValue)
         SyncObserver(m_pNumericValue, this);
     // The first picture of a value is not a change.

@@ -72,7 +72,8 @@ bool VCOneOfButtonCombo::SetSelection_ValuePath(const QString& path, QString val
         if (buttonBound)
             m_pButton->SetPixmaps(inPicture, outPicture, value, outValue);
     }
-    m_pValueSelection = FindAndAttach<values::ValueSelection>(path, m_pValueSelection, this);
+    DetachValue(m_pValueSelection, this);
+    m_pValueSelection = FindAndAttach<values::ValueSelection>(path, nullptr, this);
     m_Selections.clear();
     m_Selections.push_back(OneOfSelection{value, outValue, inPicture, outPicture});
     const bool comboBound = m_pCombo && m_pCombo->SetValueSelection_ValuePath(path);

@@ -125,7 +125,8 @@ bool VCPopupMenu::SetValue1Selection_String_ValuePath(const QString& path)
 {
     if (m_pValue1Selection)
         m_attached.erase(ObservableOf(m_pValue1Selection));
-    m_pValue1Selection = FindAndAttach<StringMultiSelection>(path, m_pValue1Selection, this);
+    DetachValue(m_pValue1Selection, this);
+    m_pValue1Selection = FindAndAttach<StringMultiSelection>(path, nullptr, this);
     if (!m_pValue1Selection)
         return false;
     Hold(ObservableOf(m_pValue1Selection));

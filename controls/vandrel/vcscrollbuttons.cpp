@@ -165,7 +165,8 @@ VCButton* VCScrollButtons::MakeButton(const char* name, const char* const* pictu
 
 bool VCScrollButtons::Set_ValuePath(const QString& path)
 {
-    m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, m_pNumericValue, this);
+    DetachValue(m_pNumericValue, this);
+    m_pNumericValue = FindAndAttach<values::IValueNumeric>(path, nullptr, this);
     SyncObserver(m_pNumericValue, this);
     return m_pNumericValue != nullptr;
 }

@@ -37,6 +37,7 @@ void VCSelectionPopup::LetGo(values::ValueSelection*& field)
     // One value may be both selections: it stays attached while the other one holds it.
     values::ValueSelection* value = field;
     field = nullptr;
+    NameBindingSlot(field, this);
     if (value && value != m_pFirstSelection && value != m_pSecondSelection)
         ObservableOf(value)->Detach(this);
 }
@@ -217,10 +218,8 @@ void VCSelectionPopup::Update(Observable* source, TChangeCode code)
         break;
     case ValueDestroyed:
         // Without Detach; both roles are tested, as one value may hold both.
-        if (first)
-            m_pFirstSelection = nullptr;
-        if (second)
-            m_pSecondSelection = nullptr;
+        ForgetDestroyedValue(m_pFirstSelection, source);
+        ForgetDestroyedValue(m_pSecondSelection, source);
         RebuildMenu();
         break;
     default:

@@ -41,7 +41,8 @@ VCSpinSelectionBox::~VCSpinSelectionBox()
 
 bool VCSpinSelectionBox::SetValueSelection_ValuePath(const QString& path)
 {
-    m_pSelectionValue = FindAndAttach<values::ValueSelection>(path, m_pSelectionValue, this);
+    DetachValue(m_pSelectionValue, this);
+    m_pSelectionValue = FindAndAttach<values::ValueSelection>(path, nullptr, this);
     if (m_pSelectionValue)
         TakeOverItems();
     SyncObserver(m_pSelectionValue, this);

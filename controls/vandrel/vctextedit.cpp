@@ -42,7 +42,8 @@ void VCTextEdit::Initialize(const QString& name)
 
 bool VCTextEdit::SetText_ValuePath(const QString& path)
 {
-    m_pTextValue = FindAndAttach<values::Value<QString>>(path, m_pTextValue, this);
+    DetachValue(m_pTextValue, this);
+    m_pTextValue = FindAndAttach<values::Value<QString>>(path, nullptr, this);
     const bool found = m_pTextValue != nullptr;
     // Showing the text writes it back, and an observer of that write may delete the editor.
     SyncObserver(m_pTextValue, this);

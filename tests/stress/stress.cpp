@@ -2000,8 +2000,10 @@ int main(int argc, char** argv)
             spareWriters = true;
         else if (args[i] == QLatin1String("--verbose"))
             verbose = true;
+        else if (args[i] == QLatin1String("--value-status")) // every check holds with the display on too
+            vandrel::SetValueStatusShown(true);
         else {
-            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--keep-going] [--verbose]\n");
+            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--keep-going] [--verbose] [--value-status]\n");
             return 2;
         }
     }

@@ -9,6 +9,7 @@
  * recognises the caller of Update() by comparing the source with ObservableOf() of each of its values.
  */
 
+#include <vandrel/valuestatus.h>
 #include <vandrel/vandrel_export.h>
 
 #include <brevanbase/brevanbase.h>
@@ -45,33 +46,65 @@ inline values::ValueBase* ValueBaseOf(T* value)
         return dynamic_cast<values::ValueBase*>(static_cast<Observable*>(value));
 }
 
+namespace vandrel::detail {
+/// The value at \a path as a \a T, or null for an absent tree, an unknown path or a value of another kind.
+template <class T>
+T* FindValue(const QString& path)
+{
+    values::Tree* tree = values::Tree::Instance();
+    values::ValueBase* found = tree ? tree->Find(path) : nullptr;
+    if (!found)
+        return nullptr;
+    if constexpr (std::is_same<T, values::ValueBase>::value)
+        return found;
+    else
+        return dynamic_cast<T*>(found);
+}
+} // namespace vandrel::detail
+
 /**
  * \brief Detaches \a observer from \a oldValue, finds the value at \a path, casts it to \a T and
  * attaches \a observer to it.
  *
- * Returns null for an absent tree, an unknown path or a value of another kind; nothing is reported.
- * The caller stores the result in all cases, so that a failed lookup leaves it unbound and detached.
+ * Returns null for an absent tree, an unknown path or a value of another kind; no error is reported, but the
+ * value-status display hears of it. The caller stores the result, so that a failed lookup leaves it unbound.
  */
 template <class T>
 T* FindAndAttach(const QString& path, T* oldValue, IObserver* observer)
 {
     if (oldValue && observer)
         ObservableOf(oldValue)->Detach(observer);
-    values::Tree* tree = values::Tree::Instance();
-    if (!tree)
-        return nullptr;
-    values::ValueBase* found = tree->Find(path);
-    if (!found)
-        return nullptr;
-    T* value = nullptr;
-    if constexpr (std::is_same<T, values::ValueBase>::value)
-        value = found;
-    else
-        value = dynamic_cast<T*>(found);
-    if (!value)
-        return nullptr;
-    if (observer)
+    T* value = vandrel::detail::FindValue<T>(path);
+    if (value && observer)
         ObservableOf(value)->Attach(observer);
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusLookedUp(observer, path, ObservableOf(value));
+    return value;
+}
+
+/**
+ * \brief Tells the value-status display that \a observer lets go of the value in \a slot its own way,
+ * rather than with DetachValue(), and that its next lookup fills that member.
+ */
+template <class T>
+void NameBindingSlot(T*& slot, IObserver* observer)
+{
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusSlotDetached(observer, &slot);
+}
+
+/**
+ * \brief The value at \a path as a \a T, looked up for \a slot of \a observer and not attached; null as
+ * FindAndAttach() gives it. For a control that attaches only after a lookup succeeded.
+ */
+template <class T, class Slot>
+T* FindForSlot(const QString& path, Slot*& slot, IObserver* observer)
+{
+    T* value = vandrel::detail::FindValue<T>(path);
+    if (vandrel::detail::g_valueStatusShown) {
+        vandrel::detail::StatusSlotNamed(observer, &slot);
+        vandrel::detail::StatusLookedUp(observer, path, ObservableOf(value));
+    }
     return value;
 }
 
@@ -118,6 +151,8 @@ void ApplyValueState(T*& value, QWidget* control, IObserver* observer)
     values::ValueBase* base = ValueBaseOf(value);
     if (!base)
         return;
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusStateSeen(control, observer, &value, base);
     switch (base->GetState()) {
     case Enabled:
         if (control)
@@ -150,6 +185,8 @@ void ApplyValueStateVirtual(T*& value, Control* control)
     values::ValueBase* base = ValueBaseOf(value);
     if (!base || !control)
         return;
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusStateSeen(control, nullptr, &value, base);
     switch (base->GetState()) {
     case Enabled:
         control->setEnabled(true);
@@ -171,6 +208,8 @@ template <class T>
 void ApplyValueRemoval(T*& value, IObserver* observer)
 {
     values::ValueBase* base = ValueBaseOf(value);
+    if (base && vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusStateSeen(nullptr, observer, &value, base);
     if (base && base->GetState() == Removed) {
         ObservableOf(value)->Detach(observer);
         value = nullptr;
@@ -184,6 +223,8 @@ void DetachValue(T*& value, IObserver* observer)
     if (value)
         ObservableOf(value)->Detach(observer);
     value = nullptr;
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusSlotDetached(observer, &value);
 }
 
 /**
@@ -195,6 +236,8 @@ bool ForgetDestroyedValue(T*& value, Observable* source)
 {
     if (!value || source != ObservableOf(value))
         return false;
+    if (vandrel::detail::g_valueStatusShown)
+        vandrel::detail::StatusValueDestroyed(&value, source, ValueBaseOf(value));
     value = nullptr;
     return true;
 }
