@@ -67,6 +67,7 @@ public:
      * ValueChanged and then goes out at once. A value that is removed or destroyed drops its merged
      * notification. Shortening the interval or turning it off delivers every merged notification now.
      * Merged notifications are delivered by a timer on the thread of the first call that turns merging on.
+     * While merging is on, a notification that opens a value's interval may allocate memory.
      */
     void SetUpdateInterval(int ms);
     /// The interval set by SetUpdateInterval(), in milliseconds; 0 when merging is off.
