@@ -22,6 +22,8 @@
 #include <QComboBox>
 #include <QTreeWidget>
 #include <QDataWidgetMapper>
+#include <QElapsedTimer>
+#include <QThread>
 #include <QFile>
 #include <QLabel>
 #include <QSlider>
@@ -66,6 +68,13 @@ const char* const kMapperShared = "write/qdatawidgetmapper-shared";
 const char* const kMapperNamed = "write/qdatawidgetmapper-shared-named-property";
 const char* const kLabelFloor = "label/floor-qlabel-settext";
 const char* const kLabelBound = "label/vclabel-bound";
+// One number written 10,000 times a second into 100 bound labels for half a second of real time.
+const char* const kCoalesceOff = "coalesce/off";
+const char* const kCoalesceOn = "coalesce/20ms";
+constexpr int kCoalesceLabels = 100;
+constexpr int kCoalesceWrites = 5000;
+constexpr int kCoalesceWriteGapUs = 100;
+constexpr int kCoalesceInterval = 20;
 const char* const kSelectCheck[] = {"select/check-comboboxclassic", "select/check-comboboxbuttonstyle",
                                    "select/check-multiplecheck"};
 const char* const kSelectRebuild[] = {"select/rebuild-comboboxclassic", "select/rebuild-comboboxbuttonstyle",
@@ -321,6 +330,64 @@ void BM_LabelBound(benchmark::State& state)
                 bench_writeDouble(number, nthNumber(++n));
             requireLabelsAt(state, labels, nthNumber(n));
         }
+    }
+    values::Tree::Instance()->Remove(path);
+}
+
+// The whole cost of a fast writer: the writes, the event loop that runs between them and every label
+// update. The writer keeps to the clock (falling behind, it writes without waiting), so the time the
+// merging of value changes sees is real; the wait for the last merged change is measured too.
+void BM_Coalesce(benchmark::State& state, int interval)
+{
+    const QString path = QStringLiteral("/bench/coalesce/n%1").arg(interval);
+    auto* number = new values::DoubleNumeric(0.0, -1e9, 1e9);
+    if (!values::Tree::Instance()->Add(path, number)) {
+        delete number;
+        state.SkipWithError("the number could not be added to the tree");
+        return;
+    }
+    {
+        QWidget container;
+        std::vector<QLabel*> labels;
+        bool bound = true;
+        for (int i = 0; i < int(state.range(0)); ++i) {
+            auto* label = new VCLabel(&container, "level", 0);
+            label->SetSuffix(QStringLiteral("dBm"));
+            label->SetFormat(3, 1, 1.0);
+            bound = label->SetText_ValuePath(path, true) && bound;
+            labels.push_back(label);
+        }
+        struct : IObserver
+        {
+            int changes = 0;
+            void Update(Observable*, TChangeCode code) override { changes += code == ValueChanged; }
+        } counter;
+        number->Attach(&counter);
+        values::Tree::Instance()->SetUpdateInterval(interval);
+        int n = 0;
+        for (auto _ : state) {
+            QElapsedTimer clock;
+            clock.start();
+            for (int i = 0; i < kCoalesceWrites; ++i) {
+                const qint64 dueNs = qint64(i) * kCoalesceWriteGapUs * 1000;
+                const qint64 aheadNs = dueNs - clock.nsecsElapsed();
+                if (aheadNs > 0)
+                    QThread::usleep(unsigned(aheadNs / 1000));
+                QCoreApplication::processEvents();
+                bench_writeDouble(number, nthNumber(++n));
+            }
+            while (clock.elapsed() < qint64(kCoalesceWrites) * kCoalesceWriteGapUs / 1000 + 2 * interval + 1) {
+                QThread::usleep(1000);
+                QCoreApplication::processEvents();
+            }
+        }
+        values::Tree::Instance()->SetUpdateInterval(0);
+        number->Detach(&counter);
+        state.counters["notifications"] = counter.changes;
+        if (!bound)
+            state.SkipWithError("a label did not bind");
+        else
+            requireLabelsAt(state, labels, nthNumber(n));
     }
     values::Tree::Instance()->Remove(path);
 }
@@ -1018,6 +1085,16 @@ void printSummary(const CollectingReporter& reporter)
         }
     }
 
+    const Result* coalesceOff = reporter.Find(kCoalesceOff, kCoalesceLabels);
+    const Result* coalesceOn = reporter.Find(kCoalesceOn, kCoalesceLabels);
+    const Result* writerAlone = reporter.Find(kCoalesceOff, 0);
+    if (usable(coalesceOff) && usable(coalesceOn) && usable(writerAlone))
+        std::printf("\nOne number written %d times in %.1f s into %d labels, process CPU time: %.0f ms without merging,\n"
+                    "%.0f ms merging changes within %d ms (%.1fx less); the writer and event loop alone: %.0f ms\n",
+                    kCoalesceWrites, kCoalesceWrites * kCoalesceWriteGapUs / 1e6, kCoalesceLabels, coalesceOff->cpuNs / 1e6,
+                    coalesceOn->cpuNs / 1e6, kCoalesceInterval, coalesceOff->cpuNs / coalesceOn->cpuNs,
+                    writerAlone->cpuNs / 1e6);
+
     std::printf("\nOne change of a multi-selection of N items shown by one control: a check mark, against a\n"
                 "change of the items that makes the control rebuild:\n\n");
     std::printf("  %-28s %6s %14s %14s %11s\n", "control", "N", "check mark ns", "rebuild ns", "rebuild x");
@@ -1121,6 +1198,13 @@ int main(int argc, char** argv)
         withBest(benchmark::RegisterBenchmark(kBoundDirectWriteBack, BM_Bound, WriteBack::InSliderChange)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kLabelFloor, BM_LabelFloor)->Arg(count));
         withBest(benchmark::RegisterBenchmark(kLabelBound, BM_LabelBound)->Arg(count));
+    }
+
+    for (const auto& c : {std::make_pair(kCoalesceOff, 0), std::make_pair(kCoalesceOn, kCoalesceInterval)}) {
+        auto* b = withBest(benchmark::RegisterBenchmark(c.first, BM_Coalesce, c.second));
+        if (c.second == 0)
+            b->Arg(0); // the writer, its pacing and the event loop alone
+        b->Arg(kCoalesceLabels)->Iterations(1)->Repetitions(5)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
     }
 
     for (const int count : kSelectionSizes) {

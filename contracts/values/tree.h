@@ -1,10 +1,15 @@
 #pragma once
 
 #include <values/korthane_export.h>
+#include <values/observable.h>
 
 #include <QHash>
 #include <QString>
 #include <QStringList>
+
+#include <deque>
+
+class QTimer;
 
 namespace values {
 
@@ -51,13 +56,53 @@ public:
     /// True when \a path equals \a basePath or lies below it ("/" is the base of every path).
     static bool IsOnOrUnder(const QString& path, const QString& basePath);
 
+    /**
+     * \brief Merges the ValueChanged notifications of each value in the tree that come within \a ms
+     * milliseconds of each other; 0 (the default) turns merging off, a negative interval counts as 0.
+     *
+     * The first ValueChanged of a value that had none within the interval goes out at once; later ones
+     * within the interval reach the observers once, when the interval ends, and they then read the
+     * newest value. An observer that made every merged write is not told of them; when several made
+     * them, every observer is told. Any other notification of the value first delivers its merged
+     * ValueChanged and then goes out at once. A value that is removed or destroyed drops its merged
+     * notification. Shortening the interval or turning it off delivers every merged notification now.
+     * Merged notifications are delivered by a timer on the thread of the first call that turns merging on.
+     * While merging is on, a notification that opens a value's interval may allocate memory.
+     */
+    void SetUpdateInterval(int ms);
+    /// The interval set by SetUpdateInterval(), in milliseconds; 0 when merging is off.
+    int UpdateInterval() const { return m_nUpdateInterval; }
+
 private:
+    friend class ValueBase;
+
+    // A value whose last ValueChanged went out at most an interval ago; later ones wait until due.
+    struct Window
+    {
+        ValueBase* value;
+        qint64 due; // milliseconds of a monotonic clock
+    };
+
     Tree();
     ~Tree();
     Tree(const Tree&) = delete;
     Tree& operator=(const Tree&) = delete;
 
+    // Routes a notification of \a value while merging is on or windows are still open.
+    bool notifyMerged(ValueBase* value, TChangeCode code, IObserver* originator);
+    void openWindow(ValueBase* value);
+    void closeWindow(ValueBase* value); // drops any merged notification
+    void deliverDue();
+    void deliverAll();
+    void windowsChanged();
+
     QHash<QString, ValueBase*> m_values;
+    int m_nUpdateInterval = 0;
+    // Ordered by due time: every window lasts the same interval, and shortening it empties the queue.
+    std::deque<Window> m_windows;
+    QTimer* m_pTimer = nullptr;
+    // Checked by every notification: true only while merging is on or a window is open.
+    static bool s_bMerging;
 };
 
 /**

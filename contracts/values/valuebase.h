@@ -120,6 +120,14 @@ private:
     int m_nTransactionDepth = 0;
     ValueTransaction* m_pTransaction = nullptr; // outermost open transaction
     bool m_bDestructionAnnounced = false;
+    // Merging of ValueChanged (Tree::SetUpdateInterval): in an open window, a change waiting, and the
+    // originator of every waiting change (null when several made them). The originator is only compared,
+    // never used, and an observer attached after the write has already read the value it announces.
+    bool m_bInWindow = false;
+    bool m_bChangeWaiting = false;
+    const IObserver* m_pWaitingOriginator = nullptr;
+
+    bool deliverWaitingChange();
 };
 
 /**

@@ -1,3 +1,4 @@
+#include <values/tree.h>
 #include <values/undo.h>
 #include <values/valuebase.h>
 
@@ -21,6 +22,9 @@ void ValueBase::AnnounceDestruction()
     if (m_pTransaction)
         m_pTransaction->m_pValue = nullptr;
     UndoRecorder::Instance().ForgetValue(this);
+    // Nothing may follow ValueDestroyed, a merged value change least of all.
+    if (m_bInWindow)
+        Tree::Instance()->closeWindow(this);
     NotifyObservers(ValueDestroyed, nullptr);
 }
 
@@ -35,7 +39,17 @@ bool ValueBase::Notify(TChangeCode code, IObserver* originator)
     // its own that observers must not miss (a removal most of all).
     if (m_nTransactionDepth > 0 && code != StateChanged)
         return true;
+    if (Q_UNLIKELY(Tree::s_bMerging))
+        return Tree::Instance()->notifyMerged(this, code, originator);
     return NotifyObservers(code, originator);
+}
+
+bool ValueBase::deliverWaitingChange()
+{
+    const IObserver* originator = m_pWaitingOriginator;
+    m_bChangeWaiting = false;
+    m_pWaitingOriginator = nullptr;
+    return NotifyObservers(ValueChanged, originator);
 }
 
 QString ValueBase::GetPathName() const

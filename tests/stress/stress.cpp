@@ -1983,6 +1983,7 @@ int main(int argc, char** argv)
     bool verbose = false;
     bool spareWriters = false;
     bool keepGoing = false; // report each failing step and go on
+    int coalesce = 0; // merge value changes within this many ms; what waits is delivered before each check
     long long faults = 0;
     std::set<QString> kinds;
     QString locale;
@@ -1998,12 +1999,15 @@ int main(int argc, char** argv)
             keepGoing = true;
         else if (args[i] == QLatin1String("--spare-writers"))
             spareWriters = true;
+        else if (args[i] == QLatin1String("--coalesce") && i + 1 < args.size())
+            coalesce = args[++i].toInt();
         else if (args[i] == QLatin1String("--verbose"))
             verbose = true;
         else if (args[i] == QLatin1String("--value-status")) // every check holds with the display on too
             vandrel::SetValueStatusShown(true);
         else {
-            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--keep-going] [--verbose] [--value-status]\n");
+            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--coalesce MS] [--keep-going] [--verbose] [--value-status]
+");
             return 2;
         }
     }
@@ -2022,6 +2026,7 @@ int main(int argc, char** argv)
     g_h = &h;
     h.clock.start();
     std::deque<QString> log;
+    values::Tree::Instance()->SetUpdateInterval(coalesce);
     for (long long n = 1; n <= steps; ++n) {
         h.did.clear();
         // Timers due (a pending number's commit) land before the step, and so does the commit of a
@@ -2056,6 +2061,10 @@ int main(int argc, char** argv)
                 log.pop_front();
             if (verbose)
                 std::printf("%lld: %s\n", n, qPrintable(what));
+            if (coalesce > 0) {
+                values::Tree::Instance()->SetUpdateInterval(0);
+                values::Tree::Instance()->SetUpdateInterval(coalesce);
+            }
             check(h);
         } catch (const QString& fault) {
             if (what.isEmpty())
@@ -2071,8 +2080,9 @@ int main(int argc, char** argv)
             long long first = n - (long long)log.size() + 1;
             for (const QString& line : log)
                 std::printf("  %lld: %s\n", first++, qPrintable(line));
-            std::printf("replay: vandrel-stress --seed %llu --steps %lld --locale %s%s --verbose\n", (unsigned long long)seed,
-                        n, qPrintable(locale), spareWriters ? " --spare-writers" : "");
+            std::printf("replay: vandrel-stress --seed %llu --steps %lld --locale %s%s%s --verbose\n", (unsigned long long)seed,
+                        n, qPrintable(locale), spareWriters ? " --spare-writers" : "",
+                        coalesce ? qPrintable(QStringLiteral(" --coalesce %1").arg(coalesce)) : "");
             std::fflush(stdout);
             if (!keepGoing)
                 return 1;
