@@ -76,14 +76,23 @@ public:
 
     void ShowFrame(bool show)
     {
+        m_bFrameWanted = show;
         if (!show) {
             delete m_pFrame.data();
             return;
         }
-        if (!m_pFrame)
-            m_pFrame = new Frame(m_pControl);
-        m_pFrame->raise();
-        m_pFrame->show();
+        if (m_pFrame) {
+            m_pFrame->raise();
+            m_pFrame->show();
+            return;
+        }
+        // The frame is made on the next turn of the event loop: a value may go while a window that
+        // holds the control is being destroyed (a control removing its own value in its destructor),
+        // and a widget made then would join the focus chain of a window that is half gone.
+        if (!m_bFrameQueued) {
+            m_bFrameQueued = true;
+            QMetaObject::invokeMethod(this, [this] { makeFrame(); }, Qt::QueuedConnection);
+        }
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override
@@ -114,7 +123,20 @@ public:
 
 private:
     QWidget* m_pControl;
+    void makeFrame()
+    {
+        m_bFrameQueued = false;
+        if (!m_bFrameWanted)
+            return;
+        if (!m_pFrame)
+            m_pFrame = new Frame(m_pControl);
+        m_pFrame->raise();
+        m_pFrame->show();
+    }
+
     QPointer<Frame> m_pFrame;
+    bool m_bFrameWanted = false;
+    bool m_bFrameQueued = false;
 };
 
 struct ControlStatus

@@ -10,10 +10,13 @@
  */
 #include "gallerywindow.h"
 
+#include <values/undo.h>
+
 #include "instrument.h"
 #include "valuetreeview.h"
 
 #include <vandrel/vandrel.h>
+#include <values/undo.h>
 
 #include <QAction>
 #include <QApplication>
@@ -114,13 +117,22 @@ GalleryWindow::GalleryWindow(Instrument* instrument, QWidget* parent)
 {
     useGalleryFont();
     useGalleryCatalog();
+    // Every edit in the gallery can be undone and redone: the sliders, fields and editors that record
+    // only on request are asked to, application-wide.
+    UndoRecordingControlBase::SetOptionalRecordingDefault(true);
+    // A control whose value was removed, or never found, says so with a frame and a tool-tip line.
+    vandrel::SetValueStatusShown(true);
     setMinimumSize(minimumWindowSize());
     resize(1480, 800);
     buildUi();
     connect(m_pInstrument, &Instrument::stepped, this, &GalleryWindow::followInstrument);
 }
 
-GalleryWindow::~GalleryWindow() = default;
+GalleryWindow::~GalleryWindow()
+{
+    if (m_pHistory)
+        m_pHistory->RemoveUndoRecordingsListener(m_pHistoryListener.get());
+}
 
 void GalleryWindow::useGalleryCatalog()
 {

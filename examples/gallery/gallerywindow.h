@@ -7,6 +7,7 @@
 #include <QPointer>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class Instrument;
@@ -17,10 +18,13 @@ class QGridLayout;
 class QGroupBox;
 class QVBoxLayout;
 class QLabel;
+class QMenuBar;
 class QTabWidget;
 
 namespace values {
 class ValueBase;
+class IUndoRecordingsListener;
+class UndoRecordingsToValueClient;
 }
 
 /**
@@ -89,6 +93,10 @@ private:
     void makeActions();
     /// The menu bar of switches on the view values.
     void makeMenuBar();
+    /// The Edit menu after \a bar's entries: Undo, Redo and the lists of both, for the receiver.
+    void makeEditMenu(QMenuBar* bar);
+    /// Undo and Redo enabled as the history allows, named after what they would do.
+    void followHistory();
     /// The selection page's group of menus: the markers' popup and the level readout's context menu.
     QWidget* makeMenuGroup(QWidget* page);
     void makeStatusBar();
@@ -122,6 +130,10 @@ private:
     QTabWidget* m_pPages = nullptr;
     QAction* m_pScan = nullptr;
     QAction* m_pPause = nullptr;
+    QAction* m_pUndo = nullptr;
+    QAction* m_pRedo = nullptr;
+    std::unique_ptr<values::UndoRecordingsToValueClient> m_pHistory;
+    std::unique_ptr<values::IUndoRecordingsListener> m_pHistoryListener;
     QLabel* m_pClock = nullptr;
     QLabel* m_pCount = nullptr;
     std::vector<std::function<void()>> m_bindings;

@@ -5,6 +5,7 @@
 
 #include <plinthor/plinthorapp.h>
 #include <vandrel/vandrel.h>
+#include <values/undo.h>
 
 #include <QSet>
 #include <QSignalSpy>
@@ -458,7 +459,7 @@ private Q_SLOTS:
         QVERIFY(bar && markersButton && markers && level && view);
 
         // A click on a switch of the bar writes the other state; its mark follows the value.
-        QCOMPARE(bar->actions().size(), 2);
+        QCOMPARE(bar->actions().size(), 3); // Hold, Averaging, Edit
         QAction* hold = bar->actions().at(0);
         QVERIFY(hold->isCheckable() && !hold->isChecked());
         QTest::mouseClick(bar, Qt::LeftButton, Qt::NoModifier, bar->actionGeometry(hold).center());
@@ -1544,6 +1545,47 @@ private Q_SLOTS:
         QCOMPARE(find(rx("squelch"))->GetState(), int(Disabled));
         QVERIFY(!child<VCSlider>(window, "squelchSlider")->isEnabled());
         QVERIFY(!window.restoreValue(QStringLiteral("/receiver/nothing")));
+    }
+
+    // A slider drag is one edit in the gallery; Ctrl+Z takes it back, Ctrl+Shift+Z does it again, and
+    // the Edit menu names both. A removed value's slider shows the loss in its tool-tip.
+    void editMenuUndoesAndRedoesADrag()
+    {
+        Instrument instrument; // not started: nothing moves but the user
+        GalleryWindow window(&instrument);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        values::UndoRecorder::Instance().Clear();
+        auto* gain = child<VCSlider>(window, "gainVerticalSlider");
+        auto* undo = child<QAction>(window, "undoAction");
+        auto* redo = child<QAction>(window, "redoAction");
+        QVERIFY(gain && undo && redo);
+        QVERIFY(!undo->isEnabled() && !redo->isEnabled());
+        const QString before = textOf("gain");
+
+        gain->setFocus();
+        QTest::keyPress(gain, Qt::Key_PageUp);
+        QTest::keyPress(gain, Qt::Key_PageUp);
+        QTest::keyRelease(gain, Qt::Key_PageUp);
+        const QString after = textOf("gain");
+        QVERIFY(after != before);
+        QCOMPARE(values::UndoRecorder::Instance().Count(), 1);
+        QVERIFY(undo->isEnabled());
+        QVERIFY(undo->text().contains(QStringLiteral("/receiver/gain")));
+
+        QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(textOf("gain"), before);
+        QCOMPARE(gain->value(), before.toInt());
+        QVERIFY(redo->isEnabled() && !undo->isEnabled());
+        QTest::keyClick(&window, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(textOf("gain"), after);
+        QVERIFY(!redo->isEnabled());
+
+        QVERIFY(values::Tree::Instance()->Remove(rx("gain")));
+        QVERIFY(vandrel::ValueStatusText(gain).contains(QStringLiteral("/receiver/gain: removed")));
+        QVERIFY(!undo->isEnabled()); // the edits of a value that went go with it
+        QVERIFY(window.restoreValue(rx("gain")));
+        QVERIFY(vandrel::ValueStatusText(gain).isEmpty());
     }
 
     void pauseTogglesToResume()

@@ -2006,8 +2006,7 @@ int main(int argc, char** argv)
         else if (args[i] == QLatin1String("--value-status")) // every check holds with the display on too
             vandrel::SetValueStatusShown(true);
         else {
-            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--coalesce MS] [--keep-going] [--verbose] [--value-status]
-");
+            std::fprintf(stderr, "usage: vandrel-stress [--steps N] [--seed S] [--locale NAME] [--spare-writers] [--coalesce MS] [--keep-going] [--verbose] [--value-status]\n");
             return 2;
         }
     }

@@ -1,5 +1,6 @@
 #include <vandrel/vandrel.h>
 
+#include <QLineEdit>
 #include <QToolTip>
 #include <QtTest>
 
@@ -150,6 +151,19 @@ private Q_SLOTS:
     }
 
     // What a removal shows, that it leaves every promised property alone, and that a restore clears it.
+    // The undo button removes its own value as it goes; in a window being deleted no frame may be made.
+    void windowDeletedWithAnUndoButton()
+    {
+        auto* window = new QWidget;
+        auto* undo = new VCUndo(window, "undo");
+        undo->SetUndoRecordings_BasePath(QStringLiteral("/r"));
+        auto* field = new QLineEdit(window);
+        window->show();
+        field->setFocus();
+        delete window;
+        QCoreApplication::processEvents();
+    }
+
     void removeAndRestore()
     {
         addNumber(QStringLiteral("/r/volume"), 4.0);
@@ -163,7 +177,7 @@ private Q_SLOTS:
 
         tree().Remove(QStringLiteral("/r/volume"));
         QCOMPARE(vandrel::ValueStatusText(&slider), QStringLiteral("/r/volume: removed"));
-        QVERIFY(frameOf(&slider));
+        QTRY_VERIFY(frameOf(&slider));
         QVERIFY(!frameOf(&slider)->isHidden());
         QCOMPARE(frameOf(&slider)->geometry(), slider.rect());
         QCOMPARE(slider.toolTip(), QStringLiteral("Volume"));
@@ -194,7 +208,7 @@ private Q_SLOTS:
         VCSlider slider(nullptr, "x");
         QVERIFY(!slider.SetNumeric_ValuePath(QStringLiteral("/r/x")));
         QCOMPARE(vandrel::ValueStatusText(&slider), QStringLiteral("/r/x: not found"));
-        QVERIFY(frameOf(&slider));
+        QTRY_VERIFY(frameOf(&slider));
         tree().Add(QStringLiteral("/r/flag"), new values::BoolValue(true));
         QVERIFY(!slider.SetNumeric_ValuePath(QStringLiteral("/r/flag"))); // another kind
         QCOMPARE(vandrel::ValueStatusText(&slider), QStringLiteral("/r/flag: not found"));
@@ -223,7 +237,7 @@ private Q_SLOTS:
         QCOMPARE(vandrel::ValueStatusText(&slider), QString());
         delete own;
         QCOMPARE(vandrel::ValueStatusText(&slider), QStringLiteral("(no path): removed"));
-        QVERIFY(frameOf(&slider));
+        QTRY_VERIFY(frameOf(&slider));
     }
 
     // One lost value among several shows alone, and rebinding that slot elsewhere clears it.
@@ -252,7 +266,7 @@ private Q_SLOTS:
         VCLineEdit b(nullptr, "b");
         a.SetNumeric_ValuePath(QStringLiteral("/none/a"));
         b.SetText_ValuePath(QStringLiteral("/none/b"));
-        QVERIFY(frameOf(&a) && frameOf(&b));
+        QTRY_VERIFY(frameOf(&a) && frameOf(&b));
         vandrel::SetValueStatusShown(false);
         QVERIFY(!vandrel::IsValueStatusShown());
         QCOMPARE(decorations(&a) + decorations(&b), 0);
