@@ -301,6 +301,20 @@ void BM_LabelFloor(benchmark::State& state)
     requireLabelsAt(state, labels, nthNumber(n));
 }
 
+// \a count labels in \a container showing the number at \a path with one decimal and a unit.
+bool makeBoundLabels(QWidget* container, const QString& path, int count, std::vector<QLabel*>& labels)
+{
+    bool bound = true;
+    for (int i = 0; i < count; ++i) {
+        auto* label = new VCLabel(container, "level", 0);
+        label->SetSuffix(QStringLiteral("dBm"));
+        label->SetFormat(3, 1, 1.0);
+        bound = label->SetText_ValuePath(path, true) && bound;
+        labels.push_back(label);
+    }
+    return bound;
+}
+
 void BM_LabelBound(benchmark::State& state)
 {
     const int count = int(state.range(0));
@@ -314,14 +328,7 @@ void BM_LabelBound(benchmark::State& state)
     {
         QWidget container;
         std::vector<QLabel*> labels;
-        bool bound = true;
-        for (int i = 0; i < count; ++i) {
-            auto* label = new VCLabel(&container, "level", 0);
-            label->SetSuffix(QStringLiteral("dBm"));
-            label->SetFormat(3, 1, 1.0);
-            bound = label->SetText_ValuePath(path, true) && bound;
-            labels.push_back(label);
-        }
+        const bool bound = makeBoundLabels(&container, path, count, labels);
         if (!bound) {
             state.SkipWithError("a label did not bind");
         } else {
@@ -349,14 +356,7 @@ void BM_Coalesce(benchmark::State& state, int interval)
     {
         QWidget container;
         std::vector<QLabel*> labels;
-        bool bound = true;
-        for (int i = 0; i < int(state.range(0)); ++i) {
-            auto* label = new VCLabel(&container, "level", 0);
-            label->SetSuffix(QStringLiteral("dBm"));
-            label->SetFormat(3, 1, 1.0);
-            bound = label->SetText_ValuePath(path, true) && bound;
-            labels.push_back(label);
-        }
+        const bool bound = makeBoundLabels(&container, path, int(state.range(0)), labels);
         struct : IObserver
         {
             int changes = 0;
