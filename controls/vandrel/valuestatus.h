@@ -41,6 +41,7 @@ VANDREL_EXPORT bool IsValueStatusShown();
 /// The lines \a control adds to its tool-tip, one per binding with something to show; empty when none.
 VANDREL_EXPORT QString ValueStatusText(const QWidget* control);
 
+/// \cond INTERNAL
 namespace detail {
 // Read inline by the binding helpers, so that they cost one test while the display is off.
 VANDREL_EXPORT extern bool g_valueStatusShown;
@@ -52,5 +53,6 @@ VANDREL_EXPORT void StatusLookedUp(IObserver* observer, const QString& path, con
 VANDREL_EXPORT void StatusStateSeen(QWidget* control, IObserver* observer, const void* slot, values::ValueBase* value);
 VANDREL_EXPORT void StatusValueDestroyed(const void* slot, const Observable* source, values::ValueBase* value);
 } // namespace detail
+/// \endcond
 
 } // namespace vandrel
