@@ -127,6 +127,16 @@ private:
     int m_nLast = kLow;
 };
 
+// Puts \a value into the tree at \a path; otherwise deletes it and skips the case with \a failure.
+bool addToTree(benchmark::State& state, const QString& path, values::ValueBase* value, const char* failure)
+{
+    if (values::Tree::Instance()->Add(path, value))
+        return true;
+    delete value;
+    state.SkipWithError(failure);
+    return false;
+}
+
 // Each timed write goes through one of these out-of-line functions: the call costs the same in every
 // case, and a profiler can collect exactly the writes with --toggle-collect=*bench_write*.
 Q_NEVER_INLINE void bench_writeSignal(WriteSource& source, int value)
@@ -211,11 +221,8 @@ void BM_Bound(benchmark::State& state, WriteBack writeBack)
     const int count = int(state.range(0));
     const QString path = QStringLiteral("/bench/fanout/n%1").arg(count);
     auto* number = new values::IntNumeric(kLow, kMinimum, kMaximum, 1);
-    if (!values::Tree::Instance()->Add(path, number)) {
-        delete number;
-        state.SkipWithError("the number could not be added to the tree");
+    if (!addToTree(state, path, number, "the number could not be added to the tree"))
         return;
-    }
     values::IValueNumeric* numeric = number;
     {
         QWidget container;
@@ -320,11 +327,8 @@ void BM_LabelBound(benchmark::State& state)
     const int count = int(state.range(0));
     const QString path = QStringLiteral("/bench/labels/n%1").arg(count);
     auto* number = new values::DoubleNumeric(0.0, -1e9, 1e9);
-    if (!values::Tree::Instance()->Add(path, number)) {
-        delete number;
-        state.SkipWithError("the number could not be added to the tree");
+    if (!addToTree(state, path, number, "the number could not be added to the tree"))
         return;
-    }
     {
         QWidget container;
         std::vector<QLabel*> labels;
@@ -348,11 +352,8 @@ void BM_Coalesce(benchmark::State& state, int interval)
 {
     const QString path = QStringLiteral("/bench/coalesce/n%1").arg(interval);
     auto* number = new values::DoubleNumeric(0.0, -1e9, 1e9);
-    if (!values::Tree::Instance()->Add(path, number)) {
-        delete number;
-        state.SkipWithError("the number could not be added to the tree");
+    if (!addToTree(state, path, number, "the number could not be added to the tree"))
         return;
-    }
     {
         QWidget container;
         std::vector<QLabel*> labels;
@@ -437,11 +438,8 @@ void BM_Select(benchmark::State& state, SelectionControl kind, SelectionChange c
     auto* set = new values::StringMultiSelection(kind == SelectionControl::Classic ? 1 : 0);
     for (int i = 0; i < count; ++i)
         set->AddItem(unsigned(i), QStringLiteral("channel %1").arg(i), kind != SelectionControl::Classic && i % 3 == 0);
-    if (!values::Tree::Instance()->Add(path, set)) {
-        delete set;
-        state.SkipWithError("the selection could not be added to the tree");
+    if (!addToTree(state, path, set, "the selection could not be added to the tree"))
         return;
-    }
     {
         QWidget container;
         QWidget* control = nullptr;
@@ -815,11 +813,8 @@ void BM_Click(benchmark::State& state, bool recorded)
 {
     const QString path = QStringLiteral("/bench/click/%1").arg(int(recorded));
     auto* flag = new values::BoolValue(false);
-    if (!values::Tree::Instance()->Add(path, flag)) {
-        delete flag;
-        state.SkipWithError("the flag could not be added to the tree");
+    if (!addToTree(state, path, flag, "the flag could not be added to the tree"))
         return;
-    }
     {
         VCCheckBox box(nullptr, "flag");
         box.SetUndoRecordingEnabled(recorded);

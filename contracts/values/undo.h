@@ -144,6 +144,10 @@ private:
     bool touches(const Recording& recording, const QString& basePath) const;
     std::vector<Recording> takeNewest(std::deque<Recording>& from, const QString& basePath, unsigned int count) const;
     bool run(std::vector<Recording>& batch, bool undo);
+    // Undo() (\a undo true) or Redo(): runs the \a count newest of \a from under \a basePath and puts
+    // them on \a to.
+    bool move(std::deque<Recording>& from, std::deque<Recording>& to, const QString& basePath, unsigned int count,
+              bool undo);
     static void merge(Recording& into, Recording&& from);
     void trim();
 

@@ -229,30 +229,28 @@ bool UndoRecorder::run(std::vector<Recording>& batch, bool undo)
 
 bool UndoRecorder::Undo(const QString& basePath, unsigned int count)
 {
-    if (count == 0 || m_bUndoing)
-        return false;
-    // Take the recordings out first: undoing writes values, and observers may react in any way.
-    std::vector<Recording> batch = takeNewest(m_recordings, basePath, count);
-    if (batch.empty())
-        return false;
-    const bool ok = run(batch, true);
-    for (Recording& recording : batch) // newest first: the last one undone ends up last
-        m_undone.push_back(std::move(recording));
-    trim();
-    changed();
-    return ok;
+    return move(m_recordings, m_undone, basePath, count, true);
 }
 
 bool UndoRecorder::Redo(const QString& basePath, unsigned int count)
 {
+    return move(m_undone, m_recordings, basePath, count, false);
+}
+
+bool UndoRecorder::move(std::deque<Recording>& from, std::deque<Recording>& to, const QString& basePath,
+                        unsigned int count, bool undo)
+{
     if (count == 0 || m_bUndoing)
         return false;
-    std::vector<Recording> batch = takeNewest(m_undone, basePath, count);
+    // Take the recordings out first: running them writes values, and observers may react in any way.
+    std::vector<Recording> batch = takeNewest(from, basePath, count);
     if (batch.empty())
         return false;
-    const bool ok = run(batch, false);
-    for (Recording& recording : batch) // the last one undone is redone first and is the older edit
-        m_recordings.push_back(std::move(recording));
+    const bool ok = run(batch, undo);
+    // Newest first: the last one undone ends up last on the redo list, and the last one undone, the
+    // older edit, is redone first.
+    for (Recording& recording : batch)
+        to.push_back(std::move(recording));
     trim();
     changed();
     return ok;
